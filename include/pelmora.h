@@ -1,0 +1,220 @@
+/* pelmora.h - the C interface of libPelmora64, a body-gesture recogniser.
+ *
+ * Conventions of this interface:
+ *
+ *  1. Lifecycle. InitPelmora, then LoadConfigFile or LoadConfigData (any
+ *     number of times: loads accumulate), then StartGestureWork; then per
+ *     frame the player calls; finally ClosePelmora. After ClosePelmora the
+ *     library is back in its load state and InitPelmora may be called again.
+ *     A second InitPelmora without ClosePelmora is refused: it prints the
+ *     three "has been created before" lines and changes nothing.
+ *
+ *  2. Neutral results, no error codes. A call that cannot do its work prints
+ *     one or two diagnostic lines on standard output and returns its neutral
+ *     result: false, 0, 0xFFFFFFFF (PELMORA_NO_GESTURE) or an empty string.
+ *     No call throws, aborts or crashes on bad arguments: null pointers,
+ *     negative or too large indices, NaN or infinite coordinates are refused
+ *     or neutralised.
+ *
+ *  3. Ownership. Every pointer handed in is owned by the caller and only read
+ *     (or, for result buffers, written) during the call. Strings returned by
+ *     the library (GetGestureName, GetLastConfigError) are owned by it:
+ *     gesture names stay valid until the configuration is compiled again or
+ *     the library is closed; the configuration error until the next load.
+ *
+ *  4. Records. GetPlayerGestureState and UpdateSketonDataImmediate write one
+ *     result record per enabled gesture into a buffer the caller provides; it
+ *     must hold GetGestureNum(player) records of the size that
+ *     GestureConfigParam.ReturnInfoType selects (8, 16 or 24 bytes: the
+ *     PelmoraResult8/16/24 layouts below, little-endian 32-bit fields).
+ *     A skeleton frame is SkeletonNum Point3 in the slot order of
+ *     SkeletonTypeArray; velocities come back in the same order.
+ *
+ *  5. Two modes. With IsUseSubThread set, a worker thread evaluates: hand in
+ *     frames with UpdateSketonData, wake the worker with OnIdle once per
+ *     frame and read results with GetPlayerGestureState; change state with
+ *     the queued calls (SetPlayer, SetPlayerGesture, ResetPlayerGesture...),
+ *     which the worker applies at the start of its next pass. Without a
+ *     worker, UpdateSketonDataImmediate evaluates on the caller's thread and
+ *     returns the results at once; use the *Immediate state calls.
+ *
+ *  6. Threads. The data calls (UpdateSketonData, GetPlayerGestureState,
+ *     GetPlayerVelocityData) and the queued calls are safe while the worker
+ *     runs; one thread at a time should feed a given player. Loading,
+ *     compiling, the immediate calls and ClosePelmora must not run
+ *     concurrently with each other or with evaluation.
+ *
+ *  7. Diagnostics. Messages go to standard output with printf; SetDebugInfo
+ *     traces every processing step and gesture check.
+ */
+#ifndef PELMORA_H
+#define PELMORA_H
+
+#include <stdbool.h>
+#include <stdint.h>
+
+#include "PelmoraExport.h"
+
+PELMORA_C_BEGIN
+
+/* No such gesture: the neutral gesture index. */
+#define PELMORA_NO_GESTURE 0xFFFFFFFFu
+
+/* GestureConfigParam.ReturnInfoType: which result record each gesture
+ * produces per frame. */
+#define PELMORA_RETURN_INFO_8 0  /* PelmoraResult8 */
+#define PELMORA_RETURN_INFO_16 1 /* PelmoraResult16 */
+#define PELMORA_RETURN_INFO_24 2 /* PelmoraResult24 */
+
+/* GestureConfigParam.VelocityMulType: weights kept for the velocity history. */
+#define PELMORA_VELOCITY_EQUAL 0   /* equal weights */
+#define PELMORA_VELOCITY_HALVING 1 /* 0.5, 0.25, ... topped up to sum 1 */
+
+/* Skeleton joint types for GestureConfigParam.SkeletonTypeArray. */
+enum PelmoraJoint {
+    PELMORA_JOINT_INVALID = 0,
+    PELMORA_JOINT_HEAD,
+    PELMORA_JOINT_NECK,
+    PELMORA_JOINT_TORSO,
+    PELMORA_JOINT_WAIST,
+    PELMORA_JOINT_LEFT_COLLAR,
+    PELMORA_JOINT_LEFT_SHOULDER,
+    PELMORA_JOINT_LEFT_ELBOW,
+    PELMORA_JOINT_LEFT_WRIST,
+    PELMORA_JOINT_LEFT_HAND,
+    PELMORA_JOINT_LEFT_FINGERTIP,
+    PELMORA_JOINT_RIGHT_COLLAR,
+    PELMORA_JOINT_RIGHT_SHOULDER,
+    PELMORA_JOINT_RIGHT_ELBOW,
+    PELMORA_JOINT_RIGHT_WRIST,
+    PELMORA_JOINT_RIGHT_HAND,
+    PELMORA_JOINT_RIGHT_FINGERTIP,
+    PELMORA_JOINT_LEFT_HIP,
+    PELMORA_JOINT_LEFT_KNEE,
+    PELMORA_JOINT_LEFT_ANKLE,
+    PELMORA_JOINT_LEFT_FOOT,
+    PELMORA_JOINT_RIGHT_HIP,
+    PELMORA_JOINT_RIGHT_KNEE,
+    PELMORA_JOINT_RIGHT_ANKLE,
+    PELMORA_JOINT_RIGHT_FOOT,
+    PELMORA_JOINT_COUNT
+};
+
+/* The start-up record: 40 bytes, natural alignment. */
+typedef struct GestureConfigParam {
+    int32_t IsUseSubThread;   /* nonzero: run the worker thread */
+    int32_t ReturnInfoType;   /* PELMORA_RETURN_INFO_8, _16 or _24 */
+    int32_t PlayerNum;        /* number of players */
+    int32_t SkeletonNum;      /* joints per skeleton frame */
+    int32_t* SkeletonTypeArray; /* SkeletonNum joint types; read during InitPelmora only */
+    int32_t VelocityFrameNum; /* frames kept for velocity; below 2 means 2 */
+    int32_t VelocityMulType;  /* PELMORA_VELOCITY_EQUAL or _HALVING */
+    int32_t IsGetVelocityData; /* nonzero: keep velocities for GetPlayerVelocityData */
+    int32_t Reserved;         /* padding, ignored */
+} GestureConfigParam;
+
+/* One joint position (host units) or velocity (units per millisecond). */
+typedef struct Point3 {
+    float x, y, z;
+} Point3;
+
+/* Result records, one per enabled gesture and frame. Flags are 0 or 1; the
+ * segment index and times are those before this frame's progress update. */
+typedef struct PelmoraResult8 {
+    int32_t finished;
+    int32_t gestureIndex;
+} PelmoraResult8;
+
+typedef struct PelmoraResult16 {
+    int32_t finished;
+    int32_t gestureIndex;
+    int32_t segmentIndex;
+    int32_t succeeded;
+} PelmoraResult16;
+
+typedef struct PelmoraResult24 {
+    int32_t finished;
+    int32_t gestureIndex;
+    int32_t segmentIndex;
+    int32_t succeeded;
+    int32_t gestureTimeMs;
+    int32_t segmentTimeMs;
+} PelmoraResult24;
+
+/* ---- Lifecycle and configuration ---- */
+
+/* Creates the engine, the configuration manager and the player manager. */
+PELMORA_API void InitPelmora(GestureConfigParam* param);
+/* Stops the worker and destroys everything InitPelmora made. */
+PELMORA_API void ClosePelmora(void);
+/* The worker's measured passes per second; 0 without an engine. */
+PELMORA_API int32_t SubThreadFPS(void);
+/* Loads a configuration document from a file; true when loaded. */
+PELMORA_API bool LoadConfigFile(const char* path);
+/* Loads a configuration document from text; true when loaded. */
+PELMORA_API bool LoadConfigData(const char* xml);
+/* Compiles the loaded configuration for every player; true when all of it
+ * compiled. Every gesture starts disabled. */
+PELMORA_API bool StartGestureWork(void);
+/* Wakes the worker for one update pass. */
+PELMORA_API void OnIdle(void);
+/* Index of the named gesture, PELMORA_NO_GESTURE when unknown. */
+PELMORA_API uint32_t GetGestureIndex(int32_t player, const char* name);
+/* Name of a gesture; "" when there is none. Owned by the library. */
+PELMORA_API const char* GetGestureName(int32_t player, uint32_t gesture);
+/* Number of gesture slots of a player (the result records it may return). */
+PELMORA_API uint64_t GetGestureNum(int32_t player);
+/* Case-insensitive comparison of two strings: <0, 0, >0. */
+PELMORA_API int32_t Stricmp(const char* a, const char* b);
+
+/* ---- Log output ---- */
+
+/* Makes standard output unbuffered; returns setvbuf's result (0: success). */
+PELMORA_API int32_t SetGestureLogOutPut(void);
+/* Switches the step-by-step trace of processing and gesture checks. */
+PELMORA_API void SetDebugInfo(bool on);
+
+/* ---- Players and gestures ---- */
+
+/* Queued (worker mode): applied at the start of the worker's next pass. */
+PELMORA_API void SetPlayer(int32_t player, bool track);
+PELMORA_API void SetPlayerGesture(int32_t player, uint32_t gesture, bool enable);
+PELMORA_API void SetPlayerGestureFromName(int32_t player, const char* name, bool enable);
+PELMORA_API void ResetPlayerGesture(int32_t player, uint32_t gesture);
+PELMORA_API void ResetPlayerGestureFromName(int32_t player, const char* name);
+
+/* Immediate (no worker): applied at once on the caller's thread. Unlike the
+ * queued calls, disabling keeps a gesture's progress and a reset keeps its
+ * time stamps. */
+PELMORA_API void SetPlayerImmediate(int32_t player, bool track);
+PELMORA_API void SetPlayerGestureImmediate(int32_t player, uint32_t gesture, bool enable);
+PELMORA_API void SetPlayerGestureImmediateFromName(int32_t player, const char* name, bool enable);
+PELMORA_API void ResetPlayerGestureImmediate(int32_t player, uint32_t gesture);
+PELMORA_API void ResetPlayerGestureImmediateFromName(int32_t player, const char* name);
+
+/* Hands a frame of `count` joints to the worker; true when stored. */
+PELMORA_API bool UpdateSketonData(int32_t player, const Point3* joints, int32_t count);
+/* Evaluates a frame at once and returns the player's new results, as
+ * GetPlayerGestureState does. */
+PELMORA_API bool UpdateSketonDataImmediate(int32_t player, const Point3* joints, int32_t count,
+                                           void* results, uint32_t* resultCount);
+/* Copies the newest result records; true only once per new result set. */
+PELMORA_API bool GetPlayerGestureState(int32_t player, void* results, uint32_t* resultCount);
+/* Copies the newest velocity frame when `count` equals the skeleton size. */
+PELMORA_API bool GetPlayerVelocityData(int32_t player, Point3* joints, int32_t count);
+
+/* ---- Extensions ---- */
+
+/* Replaces the library's millisecond clock (gesture and segment times,
+ * velocities, the pass-rate meter) with now(user); NULL restores the steady
+ * clock. Set it before starting work: tools and tests use it to replay
+ * recordings deterministically. */
+PELMORA_API void SetTimeSource(uint32_t (*now)(void* user), void* user);
+/* After a failed load: the parser's description of the fault with its row and
+ * column, e.g. "Error reading end tag. (row 12, column 5)"; after a
+ * successful load: "". Owned by the library, valid until the next load. */
+PELMORA_API const char* GetLastConfigError(void);
+
+PELMORA_C_END
+
+#endif /* PELMORA_H */
