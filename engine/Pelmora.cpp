@@ -1,0 +1,188 @@
+#include "engine/Pelmora.h"
+
+#include <cstdio>
+
+#include "engine/Clock.h"
+#include "engine/PlayerManager.h"
+#include "engine/ThreadCommand.h"
+#include "engine/ThreadCommandPool.h"
+#include "front/Diagnostics.h"
+#include "gesture/GestureTable.h"
+#include "processing/ProcessingTable.h"
+#include "values/IdentifyValues.h"
+
+namespace PelmoraLib {
+
+std::atomic<Pelmora*> Pelmora::ms_Instance{nullptr};
+CriticalSection Pelmora::m_PelmoraLock;
+
+namespace {
+
+// The index widened with its sign and compared unsigned: negative indices
+// are out of range too.
+template <class Table>
+Table* PlayerTable(const std::vector<std::unique_ptr<Table>>& tables, int playerIndex, const char* getter) {
+    if (static_cast<uint64_t>(static_cast<int64_t>(playerIndex)) >= tables.size()) {
+        printf("PlayerIndex:%d is out of range in %s\n", playerIndex, getter);
+        return nullptr;
+    }
+    return tables[static_cast<size_t>(playerIndex)].get();
+}
+
+}  // namespace
+
+Pelmora* Pelmora::Get() {
+    Pelmora* engine = ms_Instance.load(std::memory_order_acquire);
+    if (!engine) printf("Pelmora::Instance do not been created before calling get function.\n");
+    return engine;
+}
+
+Pelmora* Pelmora::Create() {
+    Pelmora* engine = ms_Instance.load(std::memory_order_acquire);
+    if (engine) {
+        printf("Pelmora::Instance has been created before.\n");
+        return engine;
+    }
+    engine = new Pelmora();
+    ms_Instance.store(engine, std::memory_order_release);
+    return engine;
+}
+
+// The engine is destroyed before the pointer is emptied: its destructor joins
+// the worker, whose last pass may still look the engine up.
+void Pelmora::Close() {
+    Pelmora* engine = ms_Instance.load(std::memory_order_acquire);
+    if (!engine) {
+        printf("Pelmora::Instance do not be created do nothing.\n");
+        return;
+    }
+    delete engine;
+    ms_Instance.store(nullptr, std::memory_order_release);
+}
+
+void Pelmora::Lock() { m_PelmoraLock.Enter(); }
+
+void Pelmora::Unlock() { m_PelmoraLock.Leave(); }
+
+Pelmora::~Pelmora() {
+    StopWorker();
+    ReleaseTables();
+    // Commands still queued are dropped unexecuted; their objects go back to
+    // the pool rather than leak.
+    ScopedLock lock(m_PelmoraLock);
+    for (ThreadCommand* command : m_Commands) ThreadCommandPool::GiveBack(command);
+    m_Commands.clear();
+}
+
+void Pelmora::Init(GestureConfigParam& param) {
+    StopWorker();
+    ReleaseTables();
+    m_IsUseSubThread = param.IsUseSubThread != 0;
+    m_ReturnInfoType = static_cast<eReturnInfoType>(param.ReturnInfoType);
+    if (param.ReturnInfoType < ReturnInfo8 || param.ReturnInfoType > ReturnInfo24)
+        printf("ReturnInfoType %d is not supported, no gesture results will be returned.\n", param.ReturnInfoType);
+
+    const size_t players = param.PlayerNum > 0 ? static_cast<size_t>(param.PlayerNum) : 0;
+    for (size_t index = 0; index < players; ++index) {
+        m_IdentifyValues.emplace_back(new IdentifyValues());
+        m_ProcessingTables.emplace_back(new ProcessingTable());
+        m_GestureTables.emplace_back(new GestureTable());
+    }
+    if (m_IsUseSubThread) StartWorker();
+}
+
+void Pelmora::ReleaseTables() {
+    m_IdentifyValues.clear();
+    m_ProcessingTables.clear();
+    m_GestureTables.clear();
+}
+
+IdentifyValues* Pelmora::GetIdentifyValue(int playerIndex) {
+    return PlayerTable(m_IdentifyValues, playerIndex, "GetIdentifyValue");
+}
+
+ProcessingTable* Pelmora::GetProcessingTable(int playerIndex) {
+    return PlayerTable(m_ProcessingTables, playerIndex, "GetProcessingTable");
+}
+
+GestureTable* Pelmora::GetGestureTable(int playerIndex) {
+    return PlayerTable(m_GestureTables, playerIndex, "GetGestureTable");
+}
+
+void Pelmora::ClearIdentify() {
+    for (auto& pool : m_IdentifyValues) {
+        if (pool) pool->Clear();
+    }
+}
+
+void Pelmora::ClearComilperResult() {
+    for (auto& table : m_ProcessingTables) {
+        if (table) table->Clear();
+    }
+    for (auto& table : m_GestureTables) {
+        if (table) table->Clear();
+    }
+}
+
+// ---- Command queue.
+
+void Pelmora::PushThreadCommand(ThreadCommand* command) {
+    ScopedLock lock(m_PelmoraLock);
+    m_Commands.push_back(command);
+}
+
+void Pelmora::ProcessingThreadCommand() {
+    ScopedLock lock(m_PelmoraLock);
+    for (ThreadCommand* command : m_Commands) {
+        if (!command) continue;
+        command->DoCommand();
+        ThreadCommandPool::GiveBack(command);
+    }
+    m_Commands.clear();
+}
+
+// ---- Worker.
+
+void Pelmora::StartWorker() {
+    m_Running.store(true, std::memory_order_relaxed);
+    m_Worker = std::thread(&Pelmora::WorkerProcedure);
+}
+
+void Pelmora::StopWorker() {
+    if (!m_Worker.joinable()) return;
+    m_Running.store(false, std::memory_order_relaxed);
+    m_WakeEvent.Signal();
+    m_Worker.join();
+}
+
+void Pelmora::WorkerProcedure() {
+    printf("Pelmora Sub Thread Starting\n");
+    Pelmora* engine = Get();
+    if (!engine) {
+        printf("Pelmora is NULL when update gesture sub thread!!\n");
+    } else {
+        while (engine->UpdateGestureThread()) {
+        }
+    }
+    printf("Pelmora Sub Thread Closing\n");
+}
+
+void Pelmora::UpdateAll() { m_WakeEvent.Signal(); }
+
+// The wake event orders the running flag: it is read only after a wait.
+bool Pelmora::UpdateGestureThread() {
+    m_WakeEvent.Wait();
+    if (!m_Running.load(std::memory_order_relaxed)) return false;
+    ProcessingThreadCommand();
+    PlayerManager* players = PlayerManager::Get();
+    if (!players) {
+        Diagnostics::Located("PelmoraLib::Pelmora::UpdateGestureThread", 185, Diagnostics::kPlayerManager);
+        return false;
+    }
+    players->UpdatePlayers();
+    if (m_LastPassTime != 0) m_FrameRate.Add(Clock::NowMs() - m_LastPassTime);
+    m_LastPassTime = Clock::NowMs();
+    return m_Running.load(std::memory_order_relaxed);
+}
+
+}  // namespace PelmoraLib

@@ -1,0 +1,28 @@
+#include "gesture/Segment.h"
+
+namespace PelmoraLib {
+
+Segment::~Segment() {
+    for (Qualification* qualification : m_Qualifications) delete qualification;
+}
+
+template <bool Print>
+Qualification::Result Segment::Run() {
+    for (Qualification* qualification : m_Qualifications) {
+        const Qualification::Result result = Print ? qualification->CheckAndPrint() : qualification->Check();
+        if (result != Qualification::Succeed) return result;
+    }
+    return Qualification::Succeed;
+}
+
+Qualification::Result Segment::OnCheck() { return Run<false>(); }
+
+Qualification::Result Segment::CheckAndPrint() { return Run<true>(); }
+
+void Segment::AddQualification(Qualification* qualification) { m_Qualifications.push_back(qualification); }
+
+Qualification* Segment::GetQualification(size_t index) const {
+    return index < m_Qualifications.size() ? m_Qualifications[index] : nullptr;
+}
+
+}  // namespace PelmoraLib

@@ -1,0 +1,134 @@
+// Player - one tracked person. Frames come in from the host through a triple
+// buffer, are kept in a short position history from which joint velocities
+// are derived, and are written with the velocities into the player's value
+// pool; then the processing runs and every active gesture's current segment
+// is checked, and one result record per checked gesture is published through
+// a second triple buffer.
+// Thread-safety: UpdatePlayerInfo and the result/velocity readers run on host
+// threads; ProcessPlayerInfo, UpdatePlayerInfoImmediate and the gesture state
+// run on the thread that updates the player (the worker, or the host in the
+// mode without one). The buffers and the has-new-data flag are the only
+// shared state, each under its own short lock. The skeleton layout statics
+// are set by InitSkeleton before any player exists.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "PelmoraExport.h"
+#include "engine/CriticalSection.h"
+#include "gesture/Gesture.h"
+#include "pelmora.h"
+#include "player/MulBuffer.h"
+#include "player/PlayerGestureInfo.h"
+
+namespace PelmoraLib {
+
+enum VelocityMulType { VelocityMulEqual = 0, VelocityMulHalving = 1 };
+
+using SkeletonPositionInfo = std::vector<Point3>;
+
+// One slot of the result triple buffer.
+struct ReturnGestureInfoBuffer {
+    uint64_t m_Count = 0;
+    std::vector<char> m_Data;
+};
+
+class PELMORA_API Player {
+public:
+    static const int kSkeletonTypeCount = 25;
+
+    static std::vector<uint64_t> m_SkeletonPosValueIndexArray;
+    static std::vector<uint64_t> m_SkeletonVelocityValueIndexArray;
+    static std::vector<float> m_VelocityFrameMul;
+
+    static void InitSkeleton(int playerNum, int skeletonNum, const int* skeletonTypes, int velocityFrameNum,
+                             VelocityMulType mulType);
+    static void SetSkeletonTypeToIndex(int* positionIndices, int* velocityIndices, int count);
+    static bool CheckPositionData(const Point3* data, int count);
+    static int GetVelocityFrameNum() { return ms_VelocityFrameNum; }
+
+    explicit Player(int index);
+    ~Player();
+    Player(const Player&) = delete;
+    Player& operator=(const Player&) = delete;
+
+    int GetIndex() const { return m_PlayerIndex; }
+
+    // ---- Skeleton input and velocity.
+    bool UpdatePlayerInfo(const void* data, int count);
+    bool ProcessPlayerInfo();
+    bool UpdatePlayerInfoImmediate(const void* data, int count);
+    void SetVelocityFrameNum(int frameNum);
+    bool IsUpdate() const { return m_IsUpdate; }
+    void SetIsUpdate(bool update);
+    void SetIsGetVelocityData(bool on) { m_IsGetVelocityData = on; }
+    MulBuffer<SkeletonPositionInfo>& GetPositionInfo() { return m_PositionInput; }
+    MulBuffer<SkeletonPositionInfo>& GetAfterCalLastPosVelocityInfo() { return m_VelocityOutput; }
+
+    // ---- Gesture progress and results.
+    void InitGestureList();
+    void ClearGestureList();
+    void Reset();
+    void SetGesture(unsigned int gestureIndex, bool active);
+    PlayerGestureInfo* GetGestureInfo(size_t index);
+    size_t GetGestureInfoNum() const { return m_GestureInfos.size(); }
+    bool UpdateGestureInfo();
+    ReturnGestureInfoBuffer& BeginReadGestureInfoBuffer() { return m_ResultBuffer.BeginRead(); }
+    void EndReadGestureInfoBuffer() { m_ResultBuffer.EndRead(); }
+    CriticalSection& GetResultReaderLock() { return m_ResultBuffer.HostLock(); }
+    uint64_t GetReturnInfoSize() const { return m_ReturnInfoSize; }
+    bool CheckHasNewData();
+
+protected:
+    static void InitFrameDataMul();
+    void DoPlayerProcessing();
+    void CalcSkeletonVelocity();
+    char* BuildGestureFinishResult(PlayerGestureInfo* info, char* cursor, bool succeeded, bool finished);
+
+private:
+    using RecordBuilder = char* (*)(const PlayerGestureInfo& info, char* cursor, bool succeeded, bool finished);
+
+    struct PositionFrame {
+        uint64_t m_Tick = 0;
+        std::vector<Point3> m_Points;
+    };
+
+    static bool BuildSkeletonInfo(int playerIndex);
+    static int ValidSkeletonType(int slot, int type);
+    bool StoreFrame(const void* data, int count);
+    void DeriveVelocities(uint64_t previousEntry);
+    bool ApplyResult(PlayerGestureInfo& info, const Gesture& gesture, Qualification::Result result, char*& cursor,
+                     bool& finished);
+
+    static int ms_VelocityFrameNum;
+    static VelocityMulType ms_VelocityMulType;
+    static int ms_TypeToPositionIndex[kSkeletonTypeCount];
+    static int ms_TypeToVelocityIndex[kSkeletonTypeCount];
+
+    int m_PlayerIndex;
+    MulBuffer<SkeletonPositionInfo> m_PositionInput;
+    MulBuffer<SkeletonPositionInfo> m_VelocityOutput;
+    std::vector<Point3> m_VelocitySums;
+    std::vector<PositionFrame> m_PositionHistory;
+    std::vector<std::vector<Point3>> m_VelocityHistory;
+    uint64_t m_VelocityIndex = 0;
+    uint64_t m_PositionIndex = 0;
+    uint64_t m_FramesReceived = 0;
+    bool m_IsWarmingUp = true;
+    bool m_IsUpdate = false;
+    bool m_ProcessAll = true;
+    bool m_IsGetVelocityData = false;
+    bool m_ZeroStepReported = false;
+
+    std::vector<std::unique_ptr<PlayerGestureInfo>> m_GestureInfos;
+    MulBuffer<ReturnGestureInfoBuffer> m_ResultBuffer;
+    uint64_t m_ReturnInfoSize = 0;
+    RecordBuilder m_BuildRecord = nullptr;
+    bool m_HasNewData = false;
+    CriticalSection m_PlayerLock;
+};
+
+}  // namespace PelmoraLib

@@ -1,0 +1,44 @@
+#include "processing/OneVariablesFunction.h"
+
+#include <cstdio>
+#include <string>
+
+#include "values/IdentifyValues.h"
+
+namespace PelmoraLib {
+
+bool OneVariablesFunction::SetFunction(Type type, BaseValue* result, BaseValue::SubType resultSub,
+                                       BaseValue* operand, BaseValue::SubType operandSub) {
+    if (!result || !operand) return false;
+    const BaseValue::Type resultType = result->GetSubValue(resultSub)->GetType();
+    const BaseValue::Type operandType = operand->GetSubValue(operandSub)->GetType();
+    const auto& registry = FunctionRoutines::OneOperand();
+    const auto found = registry.find(FunctionRoutines::Key(type, resultType, operandType, BaseValue::Int));
+    if (found == registry.end() || !found->second) return false;
+    m_Routine = found->second;
+    m_Result = result;
+    m_ResultSub = resultSub;
+    m_Operand = operand;
+    m_OperandSub = operandSub;
+    return true;
+}
+
+void OneVariablesFunction::Run() {
+    if (!m_Routine) return;
+    m_Routine(m_Result->GetSubValue(m_ResultSub), m_Operand->GetSubValue(m_OperandSub), nullptr);
+}
+
+void OneVariablesFunction::RunAndPrint() {
+    Run();
+    if (!EngineForTrace("PelmoraLib::OneVariablesFunction::RunAndPrint", 142)) return;
+    std::string line;
+    IdentifyValues::ValueToString(m_Result, m_ResultSub, line);
+    line += " = ";
+    line += m_Name;
+    line += "( ";
+    IdentifyValues::ValueToString(m_Operand, m_OperandSub, line);
+    line += " )";
+    printf("%s\n", line.c_str());
+}
+
+}  // namespace PelmoraLib
