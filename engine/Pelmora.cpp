@@ -153,6 +153,7 @@ void Pelmora::StopWorker() {
     m_Running.store(false, std::memory_order_relaxed);
     m_WakeEvent.Signal();
     m_Worker.join();
+    m_WakeEvent.Reset();
 }
 
 void Pelmora::WorkerProcedure() {

@@ -67,6 +67,11 @@ Player* PlayerManager::GetPlayer(int index) {
     return m_Players[static_cast<size_t>(index)].get();
 }
 
+Player* PlayerManager::PlayerAt(int index) const {
+    if (index < 0 || index >= GetPlayerCount()) return nullptr;
+    return m_Players[static_cast<size_t>(index)].get();
+}
+
 void PlayerManager::Close() { m_Players.clear(); }
 
 }  // namespace PelmoraLib

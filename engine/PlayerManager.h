@@ -27,6 +27,8 @@ public:
     // Null (after "GetPlayer Index == %d, out of range!") for an index
     // outside 0..count-1.
     Player* GetPlayer(int index);
+    // The same without a message, for the calls that stay silent.
+    Player* PlayerAt(int index) const;
     int GetPlayerCount() const { return static_cast<int>(m_Players.size()); }
     void Close();
 

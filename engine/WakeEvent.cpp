@@ -16,4 +16,9 @@ void WakeEvent::Wait() {
     m_Pending = false;
 }
 
+void WakeEvent::Reset() {
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    m_Pending = false;
+}
+
 }  // namespace PelmoraLib

@@ -14,6 +14,8 @@ class WakeEvent {
 public:
     void Signal();
     void Wait();
+    // Forgets a pending wake-up, so a new worker does not start with a pass.
+    void Reset();
 
 private:
     std::mutex m_Mutex;

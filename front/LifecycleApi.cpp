@@ -1,0 +1,170 @@
+// The exported calls that create and destroy the library's singletons, load
+// and compile the configuration, pace the worker and look gestures up. Each
+// is a thin guard around a singleton: missing pieces are reported by the
+// accessor's line and a located line, and the neutral result is returned.
+// Thread-safety: lifecycle and configuration calls belong to one host thread
+// while no pass runs; the look-ups only read compiled tables.
+#include <cctype>
+#include <cstdint>
+
+#include "config/GestureConfigManager.h"
+#include "engine/Pelmora.h"
+#include "engine/PlayerManager.h"
+#include "front/ApiGuard.h"
+#include "front/Diagnostics.h"
+#include "gesture/GestureTable.h"
+#include "pelmora.h"
+
+using namespace PelmoraLib;
+
+namespace {
+
+const uint32_t kNoGesture = PELMORA_NO_GESTURE;
+
+GestureTable* TableOrReport(Pelmora& engine, int32_t player, const char* site, int line) {
+    GestureTable* table = engine.GetGestureTable(player);
+    if (!table) Diagnostics::Located(site, line, Diagnostics::kGestureTable);
+    return table;
+}
+
+}  // namespace
+
+// A second call without ClosePelmora says that each singleton exists and
+// rebuilds the players and their tables for the new record; the earlier
+// worker is stopped first.
+void InitPelmora(GestureConfigParam* param) {
+    Guarded("InitPelmora", [&] {
+        if (!param) {
+            printf("InitPelmora Error: GestureConfigParam is NULL\n");
+            return;
+        }
+        Pelmora* engine = Pelmora::Create();
+        GestureConfigManager::Create();
+        PlayerManager* players = PlayerManager::Create();
+        engine->Init(*param);
+        players->Init(*param);
+    });
+}
+
+void ClosePelmora(void) {
+    Guarded("ClosePelmora", [] {
+        Pelmora::Close();
+        PlayerManager::Release();
+        GestureConfigManager::Close();
+    });
+}
+
+int32_t SubThreadFPS(void) {
+    Pelmora* engine = Pelmora::Get();
+    if (!engine) {
+        Diagnostics::Located("SubThreadFPS", 83, Diagnostics::kPelmora);
+        return 0;
+    }
+    return engine->SubThreadFPS();
+}
+
+bool LoadConfigFile(const char* path) {
+    return Guarded("LoadConfigFile", false, [&] {
+        GestureConfigManager* manager = GestureConfigManager::Get();
+        if (!manager) {
+            Diagnostics::Located("LoadConfigFile", 90, Diagnostics::kGestureConfigManager);
+            return false;
+        }
+        if (manager->LoadFromFile(path)) return true;
+        printf("Loading %s failed!\n", path ? path : "(null)");
+        return false;
+    });
+}
+
+bool LoadConfigData(const char* xml) {
+    if (!xml) return false;
+    return Guarded("LoadConfigData", false, [&] {
+        GestureConfigManager* manager = GestureConfigManager::Get();
+        if (!manager) {
+            Diagnostics::Located("LoadConfigData", 106, Diagnostics::kGestureConfigManager);
+            return false;
+        }
+        if (manager->LoadFromMemory(xml)) return true;
+        printf("Loading XMLData failed!\n");
+        return false;
+    });
+}
+
+bool StartGestureWork(void) {
+    return Guarded("StartGestureWork", false, [] {
+        GestureConfigManager* manager = GestureConfigManager::Get();
+        if (!manager) {
+            Diagnostics::Located("StartGestureWork", 119, Diagnostics::kGestureConfigManager);
+            return false;
+        }
+        PlayerManager* players = PlayerManager::Get();
+        if (!players) {
+            Diagnostics::Located("StartGestureWork", 121, Diagnostics::kPlayerManager);
+            return false;
+        }
+        if (!manager->Compiler()) return false;
+        printf("All GestureConfig Compiler Succeed!!\n");
+        players->InitGestureData();
+        return true;
+    });
+}
+
+void OnIdle(void) {
+    Pelmora* engine = Pelmora::Get();
+    if (!engine) {
+        Diagnostics::Located("OnIdle", 136, Diagnostics::kPelmora);
+        return;
+    }
+    engine->UpdateAll();
+}
+
+uint32_t GetGestureIndex(int32_t player, const char* name) {
+    return Guarded("GetGestureIndex", kNoGesture, [&] {
+        Pelmora* engine = Pelmora::Get();
+        if (!engine) {
+            Diagnostics::Located("GetGestureIndex", 142, Diagnostics::kPelmora);
+            return kNoGesture;
+        }
+        GestureTable* table = TableOrReport(*engine, player, "GetGestureIndex", 144);
+        return table ? static_cast<uint32_t>(table->GetGestureIndex(name)) : kNoGesture;
+    });
+}
+
+const char* GetGestureName(int32_t player, uint32_t gesture) {
+    Pelmora* engine = Pelmora::Get();
+    if (!engine) {
+        Diagnostics::Located("GetGestureName", 151, Diagnostics::kPelmora);
+        return "";
+    }
+    GestureTable* table = TableOrReport(*engine, player, "GetGestureName", 153);
+    if (!table) return "";
+    Gesture* found = gesture == kNoGesture ? nullptr : table->GetGesture(static_cast<size_t>(gesture));
+    if (!found) {
+        Diagnostics::Located("GetGestureName", 156, Diagnostics::kGesture);
+        return "";
+    }
+    return found->GetName();
+}
+
+uint64_t GetGestureNum(int32_t player) {
+    Pelmora* engine = Pelmora::Get();
+    if (!engine) {
+        Diagnostics::Located("GetGestureNum", 163, Diagnostics::kPelmora);
+        return 0;
+    }
+    GestureTable* table = TableOrReport(*engine, player, "GetGestureNum", 166);
+    return table ? table->GetGestureNum() : 0;
+}
+
+// As the C runtime's _stricmp, which answers an invalid (null) argument with
+// INT32_MAX.
+int32_t Stricmp(const char* a, const char* b) {
+    if (!a || !b) return INT32_MAX;
+    for (;; ++a, ++b) {
+        const int left = tolower(static_cast<unsigned char>(*a));
+        const int right = tolower(static_cast<unsigned char>(*b));
+        if (left != right || left == 0) return left - right;
+    }
+}
+
+const char* GetLastConfigError(void) { return GestureConfigManager::GetLastError(); }
