@@ -168,3 +168,9 @@ int32_t Stricmp(const char* a, const char* b) {
 }
 
 const char* GetLastConfigError(void) { return GestureConfigManager::GetLastError(); }
+
+void PelmoraVersion(int* major, int* minor, int* patch) {
+    if (major) *major = PELMORA_VERSION_MAJOR;
+    if (minor) *minor = PELMORA_VERSION_MINOR;
+    if (patch) *patch = PELMORA_VERSION_PATCH;
+}

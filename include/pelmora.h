@@ -205,6 +205,9 @@ PELMORA_API bool GetPlayerVelocityData(int32_t player, Point3* joints, int32_t c
 
 /* ---- Extensions ---- */
 
+/* The library's version (any pointer may be NULL). */
+PELMORA_API void PelmoraVersion(int* major, int* minor, int* patch);
+
 /* Replaces the library's millisecond clock (gesture and segment times,
  * velocities, the pass-rate meter) with now(user); NULL restores the steady
  * clock. Set it before starting work: tools and tests use it to replay
