@@ -1,0 +1,232 @@
+#!/usr/bin/env python3
+"""Writes the gesture catalogue (examples/gestures/catalogue.xml).
+
+The catalogue is plain configuration; this script only keeps its left and
+right halves mirror images of each other and its measures consistent. Edit
+here, run it, then run evaluate.py to see what a change does.
+"""
+import os
+import sys
+
+values = []
+funcs = []
+
+
+def val(t, name):
+    values.append((t, name))
+
+
+def fn(name, ret, *ops):
+    funcs.append((name, ret, ops))
+
+
+# ---- Body frame
+val('vector3','ShoulderLine'); val('float','ShoulderWidth'); val('vector3','RightDir')
+val('vector3','TorsoLine'); val('float','TorsoLength'); val('vector3','UpDir')
+val('vector3','PlaneNormal'); val('vector3','FeetLine'); val('float','Facing'); val('float','FacingAbs'); val('float','FacingSign')
+val('vector3','ForwardDir')
+fn('SUB','@ShoulderLine','@P_RightShoulder','@P_LeftShoulder')
+fn('LENGTH','@ShoulderWidth','@ShoulderLine')
+fn('NORMALIZE','@RightDir','@ShoulderLine')
+fn('SUB','@TorsoLine','@P_Neck','@P_Waist')
+fn('LENGTH','@TorsoLength','@TorsoLine')
+fn('NORMALIZE','@UpDir','@TorsoLine')
+fn('CROSS','@PlaneNormal','@UpDir','@RightDir')
+fn('MUL','@PlaneNormal','@PlaneNormal','1,-1,1')
+fn('SUB','@FeetLine','@P_LeftFoot','@P_LeftAnkle')
+fn('ADD','@FeetLine','@FeetLine','@P_RightFoot')
+fn('SUB','@FeetLine','@FeetLine','@P_RightAnkle')
+fn('DOT','@Facing','@PlaneNormal','@FeetLine')
+fn('ABS','@FacingAbs','@Facing')
+fn('DIV','@FacingSign','@Facing','@FacingAbs')
+fn('MUL','@ForwardDir','@PlaneNormal','@FacingSign')
+fn('NORMALIZE','@ForwardDir','@ForwardDir')
+
+def sidefeat(s, sign):
+    o = 'Left' if s == 'Right' else 'Right'
+    hfs = s+'HandFromShoulder'; val('vector3', hfs)
+    fn('SUB', '@'+hfs, '@P_'+s+'Hand', '@P_'+s+'Shoulder')
+    def proj(name, vec, direction, scale, mirror=False):
+        val('float', name)
+        fn('DOT', '@'+name, '@'+vec, '@'+direction)
+        fn('DIV', '@'+name, '@'+name, '@'+scale)
+        if mirror and sign < 0: fn('MUL', '@'+name, '@'+name, '-1.0')
+    # arm straightness: shoulder-hand distance over the arm's two segments
+    st = s+'ArmStraight'; seg = s+'ArmLength'
+    val('float', st); val('float', seg)
+    fn('DISTANCE', '@'+seg, '@P_'+s+'Shoulder', '@P_'+s+'Elbow')
+    fn('DISTANCE', '@'+st, '@P_'+s+'Elbow', '@P_'+s+'Hand')
+    fn('ADD', '@'+seg, '@'+seg, '@'+st)
+    fn('DISTANCE', '@'+st, '@P_'+s+'Shoulder', '@P_'+s+'Hand')
+    fn('DIV', '@'+st, '@'+st, '@'+seg)
+    # where the hand is, in arm lengths from its shoulder
+    proj(s+'HandReach', hfs, 'ForwardDir', seg)
+    # how fast the hand moves forward, in arm lengths per second
+    hp = s+'HandPush'; val('float', hp)
+    fn('DOT', '@'+hp, '@V_'+s+'Hand', '@ForwardDir'); fn('DIV', '@'+hp, '@'+hp, '@'+seg); fn('MUL', '@'+hp, '@'+hp, '1000.0')
+    proj(s+'HandOut', hfs, 'RightDir', seg, True)
+    proj(s+'HandRise', hfs, 'UpDir', seg)
+    fa = s+'Forearm'; val('vector3', fa); fn('SUB', '@'+fa, '@P_'+s+'Hand', '@P_'+s+'Elbow')
+    proj(s+'ForearmRise', fa, 'UpDir', seg)
+    proj(s+'ForearmOut', fa, 'RightDir', seg, True)
+    hh = s+'HandFromHead'; val('vector3', hh); fn('SUB', '@'+hh, '@P_'+s+'Hand', '@P_Head')
+    proj(s+'HandAboveHead', hh, 'UpDir', 'TorsoLength')
+    hn = s+'HandFromNeck'; val('vector3', hn); fn('SUB', '@'+hn, '@P_'+s+'Hand', '@P_Neck')
+    proj(s+'HandAcross', hn, 'RightDir', 'ShoulderWidth')
+    # legs
+    ffh = s+'FootFromHip'; val('vector3', ffh); fn('SUB', '@'+ffh, '@P_'+s+'Foot', '@P_'+s+'Hip')
+    proj(s+'FootForward', ffh, 'ForwardDir', 'TorsoLength')
+    proj(s+'FootOut', ffh, 'RightDir', 'TorsoLength', True)
+    proj(s+'FootUp', ffh, 'UpDir', 'TorsoLength')
+    fk = s+'FootFromKnee'; val('vector3', fk); fn('SUB', '@'+fk, '@P_'+s+'Foot', '@P_'+s+'Knee')
+    proj(s+'FootAboveKnee', fk, 'UpDir', 'TorsoLength')
+    ls = s+'LegStretch'; lseg = s+'LegSegment'
+    val('float', ls); val('float', lseg)
+    fn('DISTANCE', '@'+lseg, '@P_'+s+'Hip', '@P_'+s+'Knee')
+    fn('DISTANCE', '@'+ls, '@P_'+s+'Knee', '@P_'+s+'Ankle')
+    fn('ADD', '@'+lseg, '@'+lseg, '@'+ls)
+    fn('DISTANCE', '@'+ls, '@P_'+s+'Hip', '@P_'+s+'Ankle')
+    fn('DIV', '@'+ls, '@'+ls, '@'+lseg)
+
+sidefeat('Right', 1)
+sidefeat('Left', -1)
+# whole body
+val('float','LegStretch'); fn('ADD','@LegStretch','@RightLegStretch','@LeftLegStretch'); fn('MUL','@LegStretch','@LegStretch','0.5')
+val('vector3','ThighLine'); val('float','TorsoThigh')
+fn('SUB','@ThighLine','@P_RightKnee','@P_RightHip'); fn('ADD','@ThighLine','@ThighLine','@P_LeftKnee'); fn('SUB','@ThighLine','@ThighLine','@P_LeftHip')
+fn('NORMALIZE','@ThighLine','@ThighLine'); fn('DOT','@TorsoThigh','@UpDir','@ThighLine')
+HEIGHTS = (('Waist', '@P_Waist'), ('RightFoot', '@P_RightFoot'), ('LeftFoot', '@P_LeftFoot'))
+# Rises are measured along UpReference, a slow average of the torso direction
+# (standing, the vertical: a lean or a bounce of the torso does not tilt it),
+# from an anchor that follows each joint slowly, so a jump stands out.
+val('vector3', 'UpReference'); val('vector3', 'Drift')
+for n, joint in HEIGHTS:
+    val('vector3', n+'Anchor'); val('float', n+'Rise')
+frame_funcs = list(funcs); funcs.clear()
+fn('MUL', '@UpReference', '@UpDir', '1.0')
+for n, joint in HEIGHTS:
+    fn('MUL', '@'+n+'Anchor', joint, '1.0')
+start_funcs = list(funcs); funcs.clear()
+fn('SUB', '@Drift', '@UpDir', '@UpReference'); fn('MUL', '@Drift', '@Drift', '0.01')
+fn('ADD', '@UpReference', '@UpReference', '@Drift'); fn('NORMALIZE', '@UpReference', '@UpReference')
+for n, joint in HEIGHTS:
+    fn('SUB', '@Drift', joint, '@'+n+'Anchor')
+    fn('DOT', '@'+n+'Rise', '@Drift', '@UpReference')
+    fn('DIV', '@'+n+'Rise', '@'+n+'Rise', '@TorsoLength')
+    fn('MUL', '@Drift', '@Drift', '0.03'); fn('ADD', '@'+n+'Anchor', '@'+n+'Anchor', '@Drift')
+val('float', 'FeetRiseGap'); fn('SUB', '@FeetRiseGap', '@RightFootRise', '@LeftFootRise'); fn('ABS', '@FeetRiseGap', '@FeetRiseGap')
+baseline_funcs = list(funcs); funcs.clear()
+
+OPS = {'>': 'Greate', '<': 'Less', '>=': 'EGreate', '<=': 'ELess'}
+gestures = []  # (name, comment, [segments of (v1, op, v2, reset)])
+def within(ms): return ('@SegmentTime', '<=', str(ms), True)
+def held(ms): return ('@SegmentTime', '>=', str(ms), False)
+def q(v, op, t, reset=False): return ('@'+v, op, t, reset)
+grounded = [('@RightFootRise', '<', '0.2', False), ('@LeftFootRise', '<', '0.2', False)]
+def R(items): return [(a, b, c, True) for (a, b, c, _) in items]
+def G(name, comment, *segments): gestures.append((name, comment, list(segments)))
+
+for s, o in (('Right', 'Left'), ('Left', 'Right')):
+    G('Raise'+s+'Hand', 'the %s hand goes from below the head to above it while the %s hand stays down' % (s.lower(), o.lower()),
+      [q(s+'HandAboveHead', '<', '-0.3')],
+      [within(2000), q(s+'HandAboveHead', '>', '0.15'), q(s+'ArmStraight', '>', '0.85'), q(s+'HandOut', '<', '0.4'), q(o+'HandAboveHead', '<', '-0.5')] + grounded)
+G('RaiseBothArms', 'both arms swing up outstretched sideways until both hands are above the head',
+  [q('RightHandRise', '<', '-0.3'), q('LeftHandRise', '<', '-0.3')],
+  [within(2000), q('RightHandOut', '>', '0.7'), q('LeftHandOut', '>', '0.7'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85')],
+  [within(2000), q('RightHandAboveHead', '>', '0.1'), q('LeftHandAboveHead', '>', '0.1')] + grounded)
+for s, o in (('Right', 'Left'), ('Left', 'Right')):
+    up = [q(s+'ForearmRise', '>', '0.3', True)]
+    G('Wave'+s+'Hand', 'the %s forearm, raised, swings out, in and out again; the hand must come down before the next wave counts' % s.lower(),
+      [q(s+'ForearmRise', '<', '0.0')],
+      [within(3000), q(s+'ForearmRise', '>', '0.3'), q(s+'ForearmOut', '<', '-0.1')],
+      [within(800)] + up + [q(s+'ForearmOut', '>', '0.1')],
+      [within(800)] + up + [q(s+'ForearmOut', '<', '-0.1')],
+      [within(800)] + up + [q(s+'ForearmOut', '>', '0.1')])
+chest = lambda s: [q(s+'HandRise', '>', '-0.7'), q(s+'HandRise', '<', '0.25')]
+G('SwipeLeft', "the right hand sweeps across the body, at chest height, from the right of the neck to the person's left",
+  [q('RightHandAcross', '>', '0.6'), q('RightHandReach', '>', '0.2')] + chest('Right'),
+  [within(600), q('RightHandAcross', '<', '-0.3')] + chest('Right'))
+G('SwipeRight', "the left hand sweeps across the body, at chest height, from the left of the neck to the person's right",
+  [q('LeftHandAcross', '<', '-0.6'), q('LeftHandReach', '>', '0.2')] + chest('Left'),
+  [within(600), q('LeftHandAcross', '>', '0.3')] + chest('Left'))
+G('PushRight', "the right hand pushes out to the person's right at shoulder height, arm straight, the left hand staying in",
+  [q('RightHandOut', '<', '0.4')],
+  [within(800), q('RightHandOut', '>', '0.8'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.35'), q('RightHandRise', '<', '0.35'), q('LeftHandOut', '<', '0.5')] + grounded)
+for s in ('Right', 'Left'):
+    G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard' % s.lower(),
+      [q(s+'HandReach', '<', '0.7')],
+      [within(400), q(s+'HandReach', '>', '0.4'), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '1.5')],
+      [within(400), q(s+'HandReach', '>', '0.75'), q(s+'ArmStraight', '>', '0.9')])
+for s, o, fwd in (('Right', 'Left', '0.6'), ('Left', 'Right', '0.9')):
+    G('Front'+s+'Kick', 'the %s foot leaves the floor and snaps forward, below the knee, the other foot staying down' % s.lower(),
+      [q(s+'FootUp', '<', '-1.6')],
+      [within(1000), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.3'), q(s+'FootForward', '>', fwd), q(s+'FootAboveKnee', '<', '-0.8'), q(o+'FootRise', '<', '0.2')])
+for s, o in (('Right', 'Left'), ('Left', 'Right')):
+    G('Side'+s+'Kick', 'the %s foot leaves the floor and is driven out sideways, level with the knee, the other foot staying down' % s.lower(),
+      [q(s+'FootUp', '<', '-1.6')],
+      [within(600), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.3'), q(s+'FootOut', '>', '0.6'), q(s+'FootAboveKnee', '>', '-0.8'), q(o+'FootRise', '<', '0.2')])
+G('Jump', 'the waist and both feet rise together above their anchors, then the body lands',
+  [q('WaistRise', '<', '0.05')],
+  [within(600), q('WaistRise', '>', '0.2'), q('RightFootRise', '>', '0.15'), q('LeftFootRise', '>', '0.15'), q('FeetRiseGap', '<', '0.3')],
+  [within(1000), q('WaistRise', '<', '0.1')])
+G('Duck', 'from standing, the knees bend until the hips drop well below their standing height',
+  [q('LegStretch', '>', '0.9')],
+  [within(1500), q('LegStretch', '<', '0.75')] + grounded)
+G('Bow', 'with straight legs the torso bends forward over the hips and comes back up',
+  [q('TorsoThigh', '<', '-0.85')],
+  [within(2000), q('TorsoThigh', '>', '-0.6'), q('LegStretch', '>', '0.85')] + grounded,
+  [within(3000), q('TorsoThigh', '<', '-0.8')] + grounded)
+tpose = [q('RightHandOut', '>', '0.8'), q('LeftHandOut', '>', '0.8'), q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.3'),
+         q('LeftHandRise', '>', '-0.3'), q('LeftHandRise', '<', '0.3'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85')]
+G('TPose', 'both arms held straight out sideways at shoulder height for a second',
+  [q('RightHandOut', '<', '0.6')],
+  tpose,
+  R(tpose) + [held(1000)])
+G('Stop', 'the right palm is pushed toward the sensor at shoulder height and held there',
+  [q('RightHandReach', '<', '0.5')],
+  [within(1500), q('RightHandReach', '>', '0.75'), q('RightHandOut', '<', '0.35'), q('RightHandRise', '>', '-0.35'), q('RightHandRise', '<', '0.35'), q('RightForearmRise', '>', '0.0')],
+  [q('RightHandReach', '>', '0.7', True), q('RightHandOut', '<', '0.35', True), q('RightHandRise', '>', '-0.35', True), q('RightHandRise', '<', '0.35', True), held(800)])
+
+def attr(v): return v.replace('&', '&amp;').replace('<', '&lt;').replace('"', '&quot;')
+out = []
+w = out.append
+w('<?xml version="1.0"?>')
+w('<!-- Pelmora gesture catalogue.')
+w('     Every threshold is relative to the person: hand and arm measures in shoulder widths,')
+w('     leg and body measures in torso lengths (neck to waist), so children and tall adults,')
+w('     near or far, are recognised alike. Directions come from the body: RightDir along the')
+w('     shoulder line (the person\'s own right), UpDir along the torso, ForwardDir the normal of')
+w('     the shoulder-torso plane, turned to the side the feet point to. No rule depends on the')
+w('     sign of a tracker axis. Each gesture starts from a resting pose, so it fires once per')
+w('     performance. Needs the joints Head, Neck, Waist, both Shoulders, Elbows, Hands, Hips,')
+w('     Knees, Ankles and Feet. -->')
+w('<AppConfig>')
+w('  <IdentfyValues>')
+for t, n in values:
+    w('    <Value type="%s" name="%s"/>' % (t, n))
+w('  </IdentfyValues>')
+def block(update, comment, fs):
+    w('  <!-- %s -->' % comment)
+    w('  <Processing update="%d">' % update)
+    for name, ret, ops in fs:
+        a = ' '.join('value%d="%s"' % (i + 1, attr(v)) for i, v in enumerate(ops))
+        w('    <Function name="%s" return="%s" %s/>' % (name, ret, a))
+    w('  </Processing>')
+block(1, 'Body frame and per-side measures, every frame.', frame_funcs)
+block(0, 'Start of tracking: the vertical and the anchors begin at the current pose.', start_funcs)
+block(1, 'The vertical (1% per frame) and the anchors (3% per frame) follow slowly; rises are measured from them.', baseline_funcs)
+for name, comment, segs in gestures:
+    w('  <!-- %s: %s. -->' % (name, comment))
+    w('  <Gesture name="%s">' % name)
+    for seg in segs:
+        w('    <Segment>')
+        for v1, op, v2, reset in seg:
+            extra = ' IsResetOnFailed="1"' if reset else ''
+            w('      <Qualification QualificationEnum="%s" value1="%s" value2="%s"%s/>' % (OPS[op], v1, attr(v2), extra))
+        w('    </Segment>')
+    w('  </Gesture>')
+w('</AppConfig>')
+default = os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', '..', 'examples', 'gestures', 'catalogue.xml')
+with open(sys.argv[1] if len(sys.argv) > 1 else default, 'w') as target:
+    target.write('\n'.join(out) + '\n')
+print(len(values), 'values', len(frame_funcs)+len(start_funcs)+len(baseline_funcs), 'functions', len(gestures), 'gestures')
