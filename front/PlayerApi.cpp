@@ -5,6 +5,7 @@
 // time stamps). Negative player indices are refused like too large ones.
 // Thread-safety: data and queued calls are safe while the worker runs; the
 // immediate calls belong to the mode without a worker.
+#include <algorithm>
 #include <cstring>
 
 #include "engine/Pelmora.h"
@@ -167,7 +168,10 @@ bool GetPlayerGestureState(int32_t player, void* results, uint32_t* resultCount)
     ScopedLock reader(target->GetResultReaderLock());
     const ReturnGestureInfoBuffer& buffer = target->BeginReadGestureInfoBuffer();
     *resultCount = static_cast<uint32_t>(buffer.m_Count);
-    memcpy(results, buffer.m_Data.data(), static_cast<size_t>(buffer.m_Count * target->GetReturnInfoSize()));
+    // Never more than the slot holds, even if a misused immediate call raced
+    // the worker on the same slot.
+    const size_t bytes = std::min(buffer.m_Data.size(), static_cast<size_t>(buffer.m_Count * target->GetReturnInfoSize()));
+    if (bytes > 0) memcpy(results, buffer.m_Data.data(), bytes);
     target->EndReadGestureInfoBuffer();
     return true;
 }
