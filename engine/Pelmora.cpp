@@ -1,5 +1,6 @@
 #include "engine/Pelmora.h"
 
+#include <cstddef>
 #include <cstdio>
 
 #include "engine/Clock.h"
@@ -12,6 +13,17 @@
 #include "values/IdentifyValues.h"
 
 namespace PelmoraLib {
+
+// The record crosses the C interface: hosts in other languages lay it out by
+// hand, so its size and offsets must never move.
+static_assert(sizeof(GestureConfigParam) == 40, "GestureConfigParam must be 40 bytes");
+static_assert(offsetof(GestureConfigParam, ReturnInfoType) == 4 && offsetof(GestureConfigParam, PlayerNum) == 8 &&
+                  offsetof(GestureConfigParam, SkeletonNum) == 12 &&
+                  offsetof(GestureConfigParam, SkeletonTypeArray) == 16 &&
+                  offsetof(GestureConfigParam, VelocityFrameNum) == 24 &&
+                  offsetof(GestureConfigParam, VelocityMulType) == 28 &&
+                  offsetof(GestureConfigParam, IsGetVelocityData) == 32,
+              "GestureConfigParam fields moved");
 
 std::atomic<Pelmora*> Pelmora::ms_Instance{nullptr};
 CriticalSection Pelmora::m_PelmoraLock;

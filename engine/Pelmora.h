@@ -27,7 +27,9 @@ class ProcessingTable;
 class GestureTable;
 class ThreadCommand;
 
-enum eReturnInfoType { ReturnInfo8 = 0, ReturnInfo16 = 1, ReturnInfo24 = 2 };
+// Fixed to the record's 32-bit field: the host may pass any number, and an
+// unsupported one must still be storable (and then refused) without UB.
+enum eReturnInfoType : int32_t { ReturnInfo8 = 0, ReturnInfo16 = 1, ReturnInfo24 = 2 };
 
 class PELMORA_API Pelmora {
 public:

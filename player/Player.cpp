@@ -180,7 +180,9 @@ bool Player::UpdatePlayerInfoImmediate(const void* data, int count) {
     const Point3* points = static_cast<const Point3*>(data);
     if (count > 0 && !(points[0].z > 0.0f)) return false;
 
-    const uint64_t previous = m_PositionIndex;
+    // SetVelocityFrameNum may have shortened the history under the newest
+    // entry: wrap it rather than read an entry that no longer exists.
+    const uint64_t previous = m_PositionIndex % m_PositionHistory.size();
     m_VelocityIndex = (m_VelocityIndex + 1) % m_VelocityHistory.size();
     m_PositionIndex = (previous + 1) % m_PositionHistory.size();
     PositionFrame& entry = m_PositionHistory[m_PositionIndex];

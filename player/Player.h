@@ -26,7 +26,9 @@
 
 namespace PelmoraLib {
 
-enum VelocityMulType { VelocityMulEqual = 0, VelocityMulHalving = 1 };
+// Fixed to the record's 32-bit field: other codes from the host are kept
+// (and leave the weights alone) without UB.
+enum VelocityMulType : int32_t { VelocityMulEqual = 0, VelocityMulHalving = 1 };
 
 using SkeletonPositionInfo = std::vector<Point3>;
 
