@@ -6,8 +6,9 @@
  *     number of times: loads accumulate), then StartGestureWork; then per
  *     frame the player calls; finally ClosePelmora. After ClosePelmora the
  *     library is back in its load state and InitPelmora may be called again.
- *     A second InitPelmora without ClosePelmora is refused: it prints the
- *     three "has been created before" lines and changes nothing.
+ *     A second InitPelmora without ClosePelmora prints the three "has been
+ *     created before" lines, stops the worker and rebuilds the players and
+ *     their tables for the new record: load and compile again afterwards.
  *
  *  2. Neutral results, no error codes. A call that cannot do its work prints
  *     one or two diagnostic lines on standard output and returns its neutral
