@@ -122,12 +122,16 @@ GestureTable* Pelmora::GetGestureTable(int playerIndex) {
 }
 
 void Pelmora::ClearIdentify() {
+    ScopedLock commands(m_PelmoraLock);
+    std::lock_guard<std::mutex> passes(m_PassLock);
     for (auto& pool : m_IdentifyValues) {
         if (pool) pool->Clear();
     }
 }
 
 void Pelmora::ClearComilperResult() {
+    ScopedLock commands(m_PelmoraLock);
+    std::lock_guard<std::mutex> passes(m_PassLock);
     for (auto& table : m_ProcessingTables) {
         if (table) table->Clear();
     }
@@ -182,7 +186,9 @@ void Pelmora::WorkerProcedure() {
 
 void Pelmora::UpdateAll() { m_WakeEvent.Signal(); }
 
-// The wake event orders the running flag: it is read only after a wait.
+// The wake event orders the running flag: it is read only after a wait. The
+// commands run before the pass lock is taken, so the two locks are never
+// nested here and a host holding m_PelmoraLock cannot deadlock with a pass.
 bool Pelmora::UpdateGestureThread() {
     m_WakeEvent.Wait();
     if (!m_Running.load(std::memory_order_relaxed)) return false;
@@ -192,7 +198,10 @@ bool Pelmora::UpdateGestureThread() {
         Diagnostics::Located("PelmoraLib::Pelmora::UpdateGestureThread", 185, Diagnostics::kPlayerManager);
         return false;
     }
-    players->UpdatePlayers();
+    {
+        std::lock_guard<std::mutex> pass(m_PassLock);
+        players->UpdatePlayers();
+    }
     if (m_LastPassTime != 0) m_FrameRate.Add(Clock::NowMs() - m_LastPassTime);
     m_LastPassTime = Clock::NowMs();
     return m_Running.load(std::memory_order_relaxed);

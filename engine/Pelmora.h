@@ -2,15 +2,19 @@
 // value pool, the processing table and the gesture table), the queue of
 // commands that host threads send to the worker, and the worker thread with
 // its wake event and pass-rate meter.
-// Thread-safety: Create, Init, Close and the Clear calls run on the host's
-// thread while no pass runs. m_PelmoraLock guards only the command queue.
-// The per-player getters only read lists that are fixed once Init returns.
+// Thread-safety: Create, Init and Close run on the host's thread.
+// m_PelmoraLock guards the command queue. The worker holds the pass lock
+// while it evaluates players; host calls that rebuild or evaluate what a
+// pass reads hold it too (and m_PelmoraLock first, when they rebuild), so
+// they never overlap a pass. The per-player getters only read lists that are
+// fixed once Init returns.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
 #include <list>
 #include <memory>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -36,6 +40,8 @@ public:
     static CriticalSection m_PelmoraLock;
 
     static Pelmora* Get();
+    // The engine or null, without a message.
+    static Pelmora* Current() { return ms_Instance.load(std::memory_order_acquire); }
     static Pelmora* Create();
     static void Close();
     static void Lock();
@@ -68,6 +74,9 @@ public:
     void PushThreadCommand(ThreadCommand* command);
     void ProcessingThreadCommand();
 
+    // Waits for a running pass to end and keeps the next from starting.
+    std::unique_lock<std::mutex> HoldPasses() { return std::unique_lock<std::mutex>(m_PassLock); }
+
 protected:
     Pelmora() = default;
     ~Pelmora();
@@ -88,6 +97,7 @@ private:
     std::vector<std::unique_ptr<ProcessingTable>> m_ProcessingTables;
     std::vector<std::unique_ptr<GestureTable>> m_GestureTables;
     WakeEvent m_WakeEvent;
+    std::mutex m_PassLock;
     std::thread m_Worker;
     FrameRateCounter m_FrameRate;
     uint32_t m_LastPassTime = 0;

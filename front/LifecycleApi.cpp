@@ -12,6 +12,7 @@
 #include "engine/PlayerManager.h"
 #include "front/ApiGuard.h"
 #include "front/Diagnostics.h"
+#include "front/WorkerPause.h"
 #include "gesture/GestureTable.h"
 #include "pelmora.h"
 
@@ -42,6 +43,7 @@ void InitPelmora(GestureConfigParam* param) {
         GestureConfigManager::Create();
         PlayerManager* players = PlayerManager::Create();
         engine->Init(*param);
+        WorkerPause pause(WorkerPause::PassesAndCommands);
         players->Init(*param);
     });
 }
@@ -70,6 +72,7 @@ bool LoadConfigFile(const char* path) {
             Diagnostics::Located("LoadConfigFile", 90, Diagnostics::kGestureConfigManager);
             return false;
         }
+        WorkerPause pause(WorkerPause::PassesAndCommands);
         if (manager->LoadFromFile(path)) return true;
         printf("Loading %s failed!\n", path ? path : "(null)");
         return false;
@@ -84,6 +87,7 @@ bool LoadConfigData(const char* xml) {
             Diagnostics::Located("LoadConfigData", 106, Diagnostics::kGestureConfigManager);
             return false;
         }
+        WorkerPause pause(WorkerPause::PassesAndCommands);
         if (manager->LoadFromMemory(xml)) return true;
         printf("Loading XMLData failed!\n");
         return false;
@@ -102,6 +106,7 @@ bool StartGestureWork(void) {
             Diagnostics::Located("StartGestureWork", 121, Diagnostics::kPlayerManager);
             return false;
         }
+        WorkerPause pause(WorkerPause::PassesAndCommands);
         if (!manager->Compiler()) return false;
         printf("All GestureConfig Compiler Succeed!!\n");
         players->InitGestureData();

@@ -3,8 +3,9 @@
 // to the worker's next pass; immediate calls act at once on the caller's
 // thread and differ on purpose (disabling keeps progress, a reset keeps the
 // time stamps). Negative player indices are refused like too large ones.
-// Thread-safety: data and queued calls are safe while the worker runs; the
-// immediate calls belong to the mode without a worker.
+// Thread-safety: data and queued calls are safe while the worker runs and
+// never wait for it; the immediate calls belong to the mode without a worker,
+// and should a host use them beside one, they wait for its running pass.
 #include <algorithm>
 #include <cstring>
 
@@ -16,6 +17,7 @@
 #include "engine/ThreadCommandPool.h"
 #include "front/ApiGuard.h"
 #include "front/Diagnostics.h"
+#include "front/WorkerPause.h"
 #include "gesture/GestureTable.h"
 #include "pelmora.h"
 
@@ -110,12 +112,14 @@ void ResetPlayerGestureFromName(int32_t player, const char* name) {
 // ---- Immediate.
 
 void SetPlayerImmediate(int32_t player, bool track) {
+    WorkerPause pause(WorkerPause::PassesOnly);
     PlayerManager* players = PlayersOrReport("SetPlayerImmediate", 314);
     if (!players) return;
     if (Player* target = players->GetPlayer(player)) target->SetIsUpdate(track);
 }
 
 void SetPlayerGestureImmediate(int32_t player, uint32_t gesture, bool enable) {
+    WorkerPause pause(WorkerPause::PassesOnly);
     PlayerGestureInfo* info = ImmediateGesture("SetPlayerGestureImmediate", 238,
                                                "SetPlayerGesture Error! No such gesture: %u!\n", player, gesture);
     if (!info) return;
@@ -129,6 +133,7 @@ void SetPlayerGestureImmediateFromName(int32_t player, const char* name, bool en
 }
 
 void ResetPlayerGestureImmediate(int32_t player, uint32_t gesture) {
+    WorkerPause pause(WorkerPause::PassesOnly);
     PlayerGestureInfo* info = ImmediateGesture("ResetPlayerGestureImmediate", 276,
                                                "ResetPlayerGestureImmediate Error! No such gesture: %u!\n", player,
                                                gesture);
@@ -152,6 +157,7 @@ bool UpdateSketonData(int32_t player, const Point3* joints, int32_t count) {
 bool UpdateSketonDataImmediate(int32_t player, const Point3* joints, int32_t count, void* results,
                                uint32_t* resultCount) {
     return Guarded("UpdateSketonDataImmediate", false, [&] {
+        WorkerPause pause(WorkerPause::PassesOnly);
         PlayerManager* players = PlayersOrReport("UpdateSketonDataImmediate", 332);
         if (!players) return false;
         Player* target = players->PlayerAt(player);

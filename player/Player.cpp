@@ -335,6 +335,8 @@ void Player::InitGestureList() {
         case ReturnInfo24: m_BuildRecord = &BuildRecord24; m_ReturnInfoSize = 24; break;
         default: m_BuildRecord = nullptr; m_ReturnInfoSize = 0; break;
     }
+    // A host thread may be copying results out of a slot right now.
+    ScopedLock readers(m_ResultBuffer.HostLock());
     for (uint32_t slot = 0; slot < 3; ++slot) {
         ReturnGestureInfoBuffer& buffer = m_ResultBuffer.GetSlot(slot);
         buffer.m_Count = 0;
