@@ -77,7 +77,7 @@ bool GestureConfigManager::LoadFromMemory(const char* text) {
 }
 
 bool GestureConfigManager::ParseAndLoad(const std::string& paddedText) {
-    if (!XmlText::CheckNesting(paddedText, g_LastError)) {
+    if (!XmlText::CheckLimits(paddedText, g_LastError)) {
         printf("Configuration refused: %s\n", g_LastError.c_str());
         return false;
     }
