@@ -3,50 +3,69 @@
  * Conventions of this interface:
  *
  *  1. Lifecycle. InitPelmora, then LoadConfigFile or LoadConfigData (any
- *     number of times: loads accumulate), then StartGestureWork; then per
- *     frame the player calls; finally ClosePelmora. After ClosePelmora the
+ *     number of times: documents add up), then StartGestureWork once; then
+ *     per frame the player calls; finally ClosePelmora, after which the
  *     library is back in its load state and InitPelmora may be called again.
- *     A second InitPelmora without ClosePelmora prints the three "has been
- *     created before" lines, stops the worker and rebuilds the players and
- *     their tables for the new record: load and compile again afterwards.
+ *     StartGestureWork appends what it compiles: a second call compiles every
+ *     gesture a second time. A second InitPelmora without ClosePelmora prints
+ *     the three "has been created before" lines and rebuilds the players and
+ *     per-player tables for the new record (stopping an earlier worker):
+ *     declared values and compiled gestures are gone while the loaded
+ *     documents stay, so hosts close first.
  *
  *  2. Neutral results, no error codes. A call that cannot do its work prints
- *     one or two diagnostic lines on standard output and returns its neutral
- *     result: false, 0, 0xFFFFFFFF (PELMORA_NO_GESTURE) or an empty string.
- *     No call throws, aborts or crashes on bad arguments: null pointers,
- *     negative or too large indices, NaN or infinite coordinates are refused
- *     or neutralised.
+ *     one or two lines on standard output and returns its neutral result:
+ *     false, 0, PELMORA_NO_GESTURE or an empty string; a void call changes
+ *     nothing. No call throws or aborts on bad arguments: null pointers and
+ *     negative or too large player and gesture indices are refused. Beyond
+ *     its length, a frame is judged by its first joint only: a depth (z) that
+ *     is not above 0, NaN included, refuses it; other non-finite coordinates
+ *     are taken as they are and make the comparisons that read them false.
  *
- *  3. Ownership. Every pointer handed in is owned by the caller and only read
- *     (or, for result buffers, written) during the call. Strings returned by
- *     the library (GetGestureName, GetLastConfigError) are owned by it:
- *     gesture names stay valid until the configuration is compiled again or
- *     the library is closed; the configuration error until the next load.
+ *  3. Ownership. Every pointer handed in stays the caller's and is used only
+ *     during the call: texts are parsed or copied at once, SkeletonTypeArray
+ *     is read by InitPelmora only, frames are copied in, results and
+ *     velocities are copied out into buffers the caller provides. Strings
+ *     returned belong to the library and must not be freed: a gesture name
+ *     stays valid until ClosePelmora or the next InitPelmora, the text of
+ *     GetLastConfigError until the next load.
  *
  *  4. Records. GetPlayerGestureState and UpdateSketonDataImmediate write one
- *     result record per enabled gesture into a buffer the caller provides; it
- *     must hold GetGestureNum(player) records of the size that
+ *     result record per enabled gesture, in gesture-index order, into a
+ *     buffer that must hold GetGestureNum(player) records of the size that
  *     GestureConfigParam.ReturnInfoType selects (8, 16 or 24 bytes: the
- *     PelmoraResult8/16/24 layouts below, little-endian 32-bit fields).
- *     A skeleton frame is SkeletonNum Point3 in the slot order of
- *     SkeletonTypeArray; velocities come back in the same order.
+ *     PelmoraResult8/16/24 layouts below, 32-bit little-endian fields), and
+ *     set *resultCount to the number written. A skeleton frame is SkeletonNum
+ *     Point3 in the slot order of SkeletonTypeArray; velocities come back in
+ *     the same order. After SetPlayer(Immediate) switches a player on, its
+ *     first max(2, VelocityFrameNum) - 1 accepted frames only fill its
+ *     history and produce no results.
  *
- *  5. Two modes. With IsUseSubThread set, a worker thread evaluates: hand in
- *     frames with UpdateSketonData, wake the worker with OnIdle once per
- *     frame and read results with GetPlayerGestureState; change state with
- *     the queued calls (SetPlayer, SetPlayerGesture, ResetPlayerGesture...),
- *     which the worker applies at the start of its next pass. Without a
- *     worker, UpdateSketonDataImmediate evaluates on the caller's thread and
- *     returns the results at once; use the *Immediate state calls.
+ *  5. Two modes, chosen by GestureConfigParam.IsUseSubThread.
+ *     Worker (nonzero): hand frames in with UpdateSketonData, wake the worker
+ *     with OnIdle once per frame and read results with GetPlayerGestureState
+ *     (true once per new result set). Switch players and gestures with the
+ *     queued calls (SetPlayer, SetPlayerGesture, ResetPlayerGesture and their
+ *     FromName forms), which the worker applies at the start of its next
+ *     pass. A pass evaluates the newest frame of every tracked player: frames
+ *     handed in between two passes are dropped, and a player without a new
+ *     frame has its last one evaluated again.
+ *     Immediate (0): UpdateSketonDataImmediate evaluates on the caller's
+ *     thread and returns the results at once; switch with the *Immediate
+ *     calls. Queued calls are never applied in this mode, and the immediate
+ *     calls race with the worker in the other one.
  *
  *  6. Threads. The data calls (UpdateSketonData, GetPlayerGestureState,
  *     GetPlayerVelocityData) and the queued calls are safe while the worker
  *     runs; one thread at a time should feed a given player. Loading,
  *     compiling, the immediate calls and ClosePelmora must not run
- *     concurrently with each other or with evaluation.
+ *     concurrently with each other or with evaluation. SetDebugInfo and
+ *     SetGestureLogOutPut may be called at any time. A time source installed
+ *     with SetTimeSource is called on whichever thread evaluates.
  *
- *  7. Diagnostics. Messages go to standard output with printf; SetDebugInfo
- *     traces every processing step and gesture check.
+ *  7. Diagnostics. Messages are printf lines on standard output, buffered by
+ *     the C runtime until SetGestureLogOutPut makes it unbuffered;
+ *     SetDebugInfo traces every processing step and gesture check.
  */
 #ifndef PELMORA_H
 #define PELMORA_H
@@ -144,7 +163,8 @@ typedef struct PelmoraResult24 {
 
 /* ---- Lifecycle and configuration ---- */
 
-/* Creates the engine, the configuration manager and the player manager. */
+/* Creates the engine, the configuration manager and the player manager, and
+ * starts the worker when the record asks for one. */
 PELMORA_API void InitPelmora(GestureConfigParam* param);
 /* Stops the worker and destroys everything InitPelmora made. */
 PELMORA_API void ClosePelmora(void);
@@ -201,18 +221,25 @@ PELMORA_API bool UpdateSketonDataImmediate(int32_t player, const Point3* joints,
                                            void* results, uint32_t* resultCount);
 /* Copies the newest result records; true only once per new result set. */
 PELMORA_API bool GetPlayerGestureState(int32_t player, void* results, uint32_t* resultCount);
-/* Copies the newest velocity frame when `count` equals the skeleton size. */
+/* Copies the newest velocity frame when `count` equals the skeleton size;
+ * velocities are kept only when GestureConfigParam.IsGetVelocityData is set. */
 PELMORA_API bool GetPlayerVelocityData(int32_t player, Point3* joints, int32_t count);
 
 /* ---- Extensions ---- */
 
-/* The library's version (any pointer may be NULL). */
+/* The library's version (any pointer may be NULL): the version of the
+ * pkg-config and CMake packages; the SONAME carries the major number. */
 PELMORA_API void PelmoraVersion(int* major, int* minor, int* patch);
 
 /* Replaces the library's millisecond clock (gesture and segment times,
  * velocities, the pass-rate meter) with now(user); NULL restores the steady
- * clock. Set it before starting work: tools and tests use it to replay
- * recordings deterministically. */
+ * clock. The value wraps at 32 bits and only differences between readings
+ * matter. now is called on whichever thread evaluates (the worker or the
+ * caller of the immediate calls), so it must be cheap and thread-safe; user
+ * is handed back as given. Install it before InitPelmora (or at least before
+ * StartGestureWork) and change it only while no pass runs; ClosePelmora
+ * keeps it, so pass NULL before what now reads goes away. Hosts use it to
+ * replay recordings at their recorded times. */
 PELMORA_API void SetTimeSource(uint32_t (*now)(void* user), void* user);
 /* After a failed load: the parser's description of the fault with its row and
  * column, e.g. "Error reading end tag. (row 12, column 5)"; after a

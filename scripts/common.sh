@@ -19,11 +19,13 @@ ensure_packages() {
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${missing[@]}" >/dev/null
 }
 
-BUILD_PACKAGES=(cmake ninja-build g++ pkg-config libtinyxml-dev libgtest-dev libgmock-dev)
+# What the library and the pelmora tool build with, and what the tests add.
+BUILD_PACKAGES=(cmake ninja-build g++ pkg-config python3 libtinyxml-dev libgtest-dev libgmock-dev libcli11-dev nlohmann-json3-dev)
+TEST_PACKAGES=("${BUILD_PACKAGES[@]}" chromium valgrind)
 
-# build DIR [CMAKE ARGS...]: configures (once) and builds into DIR.
+# build DIR [CMAKE ARGS...]: configures and builds everything into DIR.
 build() {
     local dir="$1"; shift
     cmake -S "$ROOT" -B "$ROOT/$dir" -G Ninja "$@" >/dev/null
-    cmake --build "$ROOT/$dir" -j "$JOBS"
+    cmake --build "$ROOT/$dir" -j "$JOBS" ${BUILD_TARGETS:+--target $BUILD_TARGETS}
 }

@@ -1,0 +1,42 @@
+#!/usr/bin/env python3
+"""Replays a skeleton recording through a gesture configuration with the
+Python binding and prints one line per finished gesture, as `pelmora replay`
+does:
+
+    1433.333 ms frame 43 player 0: RightPunch finished segment 2 [1]
+
+The library's own messages go to standard error. By default the bundled
+PRECOG recording runs through the gesture catalogue. The library is found
+through $PELMORA_LIBRARY or the dynamic loader (LD_LIBRARY_PATH)."""
+
+import argparse
+import os
+import sys
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.join(HERE, "..", "python"))
+
+import pelmora  # noqa: E402  (found beside this checkout)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("config", nargs="?", default=os.path.join(HERE, "gestures", "catalogue.xml"))
+    parser.add_argument("recording", nargs="?",
+                        default=os.path.join(HERE, "recordings", "precog-seq1-subject7.csv"))
+    parser.add_argument("--gestures", help="gestures to enable, A,B (default: all)")
+    args = parser.parse_args()
+    gestures = args.gestures.split(",") if args.gestures else None
+    try:
+        recording = pelmora.read_recording(args.recording)
+        with pelmora.library_output_to(2) as out:
+            for finish in pelmora.replay(args.config, recording, gestures):
+                print(finish, file=out)
+    except (OSError, ValueError, pelmora.PelmoraError) as error:
+        print("python_replay: %s" % error, file=sys.stderr)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

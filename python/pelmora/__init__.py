@@ -1,0 +1,25 @@
+"""Python binding of libPelmora64, the body-gesture recogniser, over its C
+interface with ctypes (standard library only; numpy arrays are accepted as
+joint frames when numpy is installed).
+
+    Library     every export of pelmora.h, typed, under its C name
+    Session     InitPelmora ... ClosePelmora as a context manager
+    replay      a recording through a configuration, as `pelmora replay`
+"""
+
+from ._native import (EXPORTS, JOINT_NAMES, JOINTS, NO_GESTURE, RESULT_RECORDS, RETURN_INFO_8, RETURN_INFO_16,
+                      RETURN_INFO_24, TIME_SOURCE, VELOCITY_EQUAL, VELOCITY_HALVING, GestureConfigParam, Library,
+                      PelmoraResult8, PelmoraResult16, PelmoraResult24, Point3, point_array)
+from .output import capture_library_output, flush_library_output, library_output_to
+from .recording import Frame, Recording, format_ms, read_recording
+from .replay import Finish, replay, ticks
+from .session import ManualClock, PelmoraError, Result, Session
+
+__all__ = [
+    "EXPORTS", "JOINT_NAMES", "JOINTS", "NO_GESTURE", "RESULT_RECORDS", "RETURN_INFO_8", "RETURN_INFO_16",
+    "RETURN_INFO_24", "TIME_SOURCE", "VELOCITY_EQUAL", "VELOCITY_HALVING", "GestureConfigParam", "Library",
+    "PelmoraResult8", "PelmoraResult16", "PelmoraResult24", "Point3", "point_array",
+    "capture_library_output", "flush_library_output", "library_output_to",
+    "Frame", "Recording", "format_ms", "read_recording", "Finish", "replay", "ticks",
+    "ManualClock", "PelmoraError", "Result", "Session",
+]

@@ -1,0 +1,350 @@
+"""The C interface of libPelmora64 described with ctypes: its records, its
+constants and a Library object whose methods are the exports, typed.
+
+The methods keep the C names and the C meaning (neutral results, nothing
+raised by the library itself). The binding adds only what Python needs:
+str is accepted wherever C takes a string, joint frames may be given as
+Point3 arrays, sequences of triples or float buffers (numpy arrays
+included), out-parameters come back as return values, and integers that
+do not fit their C type raise OverflowError instead of wrapping around to
+another player or gesture.
+"""
+
+import ctypes
+import os
+import sys
+import traceback
+from ctypes import (CFUNCTYPE, POINTER, Structure, c_bool, c_char_p, c_float, c_int, c_int32, c_uint32,
+                    c_uint64, c_void_p)
+
+try:  # optional: frames given as numpy arrays are converted without a loop
+    import numpy as _numpy
+except ImportError:  # pragma: no cover - depends on the machine
+    _numpy = None
+
+NO_GESTURE = 0xFFFFFFFF
+
+RETURN_INFO_8 = 0
+RETURN_INFO_16 = 1
+RETURN_INFO_24 = 2
+
+VELOCITY_EQUAL = 0
+VELOCITY_HALVING = 1
+
+# Joint types of GestureConfigParam.SkeletonTypeArray, in PelmoraJoint order;
+# the names are those of the value pool without their "P_"/"V_" prefix.
+JOINT_NAMES = (
+    "Invalid", "Head", "Neck", "Torso", "Waist",
+    "LeftCollar", "LeftShoulder", "LeftElbow", "LeftWrist", "LeftHand", "LeftFingertip",
+    "RightCollar", "RightShoulder", "RightElbow", "RightWrist", "RightHand", "RightFingertip",
+    "LeftHip", "LeftKnee", "LeftAnkle", "LeftFoot", "RightHip", "RightKnee", "RightAnkle", "RightFoot",
+)
+JOINTS = {name: index for index, name in enumerate(JOINT_NAMES)}
+
+
+class GestureConfigParam(Structure):
+    """The start-up record handed to InitPelmora (40 bytes)."""
+    _fields_ = [
+        ("IsUseSubThread", c_int32),
+        ("ReturnInfoType", c_int32),
+        ("PlayerNum", c_int32),
+        ("SkeletonNum", c_int32),
+        ("SkeletonTypeArray", POINTER(c_int32)),
+        ("VelocityFrameNum", c_int32),
+        ("VelocityMulType", c_int32),
+        ("IsGetVelocityData", c_int32),
+        ("Reserved", c_int32),
+    ]
+
+
+class Point3(Structure):
+    """One joint position, or velocity in position units per millisecond."""
+    _fields_ = [("x", c_float), ("y", c_float), ("z", c_float)]
+
+    def __iter__(self):
+        return iter((self.x, self.y, self.z))
+
+    def __repr__(self):
+        return "Point3(%r, %r, %r)" % (self.x, self.y, self.z)
+
+
+class PelmoraResult8(Structure):
+    _fields_ = [("finished", c_int32), ("gestureIndex", c_int32)]
+
+
+class PelmoraResult16(Structure):
+    _fields_ = PelmoraResult8._fields_ + [("segmentIndex", c_int32), ("succeeded", c_int32)]
+
+
+class PelmoraResult24(Structure):
+    _fields_ = PelmoraResult16._fields_ + [("gestureTimeMs", c_int32), ("segmentTimeMs", c_int32)]
+
+
+RESULT_RECORDS = {RETURN_INFO_8: PelmoraResult8, RETURN_INFO_16: PelmoraResult16, RETURN_INFO_24: PelmoraResult24}
+
+TIME_SOURCE = CFUNCTYPE(c_uint32, c_void_p)
+
+# C signature of every export: name -> (result type, argument types).
+EXPORTS = {
+    "InitPelmora": (None, [POINTER(GestureConfigParam)]),
+    "ClosePelmora": (None, []),
+    "SubThreadFPS": (c_int32, []),
+    "LoadConfigFile": (c_bool, [c_char_p]),
+    "LoadConfigData": (c_bool, [c_char_p]),
+    "StartGestureWork": (c_bool, []),
+    "OnIdle": (None, []),
+    "GetGestureIndex": (c_uint32, [c_int32, c_char_p]),
+    "GetGestureName": (c_char_p, [c_int32, c_uint32]),
+    "GetGestureNum": (c_uint64, [c_int32]),
+    "Stricmp": (c_int32, [c_char_p, c_char_p]),
+    "SetGestureLogOutPut": (c_int32, []),
+    "SetDebugInfo": (None, [c_bool]),
+    "SetPlayer": (None, [c_int32, c_bool]),
+    "SetPlayerGesture": (None, [c_int32, c_uint32, c_bool]),
+    "SetPlayerGestureFromName": (None, [c_int32, c_char_p, c_bool]),
+    "ResetPlayerGesture": (None, [c_int32, c_uint32]),
+    "ResetPlayerGestureFromName": (None, [c_int32, c_char_p]),
+    "SetPlayerImmediate": (None, [c_int32, c_bool]),
+    "SetPlayerGestureImmediate": (None, [c_int32, c_uint32, c_bool]),
+    "SetPlayerGestureImmediateFromName": (None, [c_int32, c_char_p, c_bool]),
+    "ResetPlayerGestureImmediate": (None, [c_int32, c_uint32]),
+    "ResetPlayerGestureImmediateFromName": (None, [c_int32, c_char_p]),
+    "UpdateSketonData": (c_bool, [c_int32, POINTER(Point3), c_int32]),
+    "UpdateSketonDataImmediate": (c_bool, [c_int32, POINTER(Point3), c_int32, c_void_p, POINTER(c_uint32)]),
+    "GetPlayerGestureState": (c_bool, [c_int32, c_void_p, POINTER(c_uint32)]),
+    "GetPlayerVelocityData": (c_bool, [c_int32, POINTER(Point3), c_int32]),
+    "PelmoraVersion": (None, [POINTER(c_int), POINTER(c_int), POINTER(c_int)]),
+    "SetTimeSource": (None, [TIME_SOURCE, c_void_p]),
+    "GetLastConfigError": (c_char_p, []),
+}
+
+# Every callback ever installed as the library's clock stays referenced: the
+# library may still be inside an old one (the worker reads the clock on its
+# own thread) when a new one replaces it, and a freed ctypes thunk would
+# crash it. One small object per installation.
+_installed_time_sources = []
+
+
+def _library_candidates(path):
+    if path is not None:
+        return [os.fspath(path)]
+    candidates = []
+    configured = os.environ.get("PELMORA_LIBRARY")
+    if configured:
+        candidates.append(configured)
+    # The loader's own search: LD_LIBRARY_PATH, the cache, the default dirs.
+    candidates += ["libPelmora64.so", "libPelmora64.so.0"]
+    return candidates
+
+
+def _int(value, ctype, what):
+    value = int(value)
+    if ctype(value).value != value:
+        raise OverflowError("%s %d does not fit the C argument" % (what, value))
+    return value
+
+
+def _player(value):
+    return _int(value, c_int32, "player")
+
+
+def _gesture(value):
+    return _int(value, c_uint32, "gesture")
+
+
+def _text(value):
+    """str, bytes or None for a C string argument."""
+    if value is None or isinstance(value, bytes):
+        return value
+    return os.fsencode(value) if isinstance(value, os.PathLike) else str(value).encode("utf-8", "surrogateescape")
+
+
+def _decode(value):
+    return "" if value is None else value.decode("utf-8", "surrogateescape")
+
+
+def point_array(joints):
+    """A ctypes Point3 array from joints: a Point3 array (used as it is),
+    a float buffer of n*3 values (numpy array, array.array('f'), ...), or
+    a sequence of (x, y, z) triples or Point3."""
+    if isinstance(joints, ctypes.Array) and joints._type_ is Point3:
+        return joints
+    if _numpy is not None and isinstance(joints, _numpy.ndarray):
+        flat = _numpy.ascontiguousarray(joints, dtype=_numpy.float32).reshape(-1)
+        if flat.size % 3:
+            raise ValueError("a joint array needs x, y, z per joint, got %d numbers" % flat.size)
+        return (Point3 * (flat.size // 3)).from_buffer_copy(flat)
+    try:
+        view = memoryview(joints)
+    except TypeError:
+        view = None
+    if view is not None:
+        if view.format != "f":
+            raise TypeError("a joint buffer must hold 32-bit floats, not format %r" % view.format)
+        if view.nbytes % ctypes.sizeof(Point3):
+            raise ValueError("a joint buffer needs x, y, z per joint")
+        return (Point3 * (view.nbytes // ctypes.sizeof(Point3))).from_buffer_copy(view)
+    points = [p if isinstance(p, Point3) else Point3(*map(float, p)) for p in joints]
+    return (Point3 * len(points))(*points)
+
+
+class Library:
+    """libPelmora64 loaded into this process. Without a path it is looked
+    for in $PELMORA_LIBRARY, then by the dynamic loader as libPelmora64.so.
+
+    The library keeps process-wide state: every Library object of the same
+    file drives the same engine."""
+
+    def __init__(self, path=None):
+        errors = []
+        for candidate in _library_candidates(path):
+            try:
+                self._dll = ctypes.CDLL(candidate)
+                self.path = candidate
+                break
+            except OSError as error:
+                errors.append("%s: %s" % (candidate, error))
+        else:
+            raise OSError("libPelmora64 not found (set PELMORA_LIBRARY to its path): " + "; ".join(errors))
+        for name, (restype, argtypes) in EXPORTS.items():
+            function = getattr(self._dll, name)
+            function.restype = restype
+            function.argtypes = argtypes
+
+    # ---- Lifecycle and configuration
+
+    def InitPelmora(self, param):
+        self._dll.InitPelmora(None if param is None else ctypes.byref(param))
+
+    def ClosePelmora(self):
+        self._dll.ClosePelmora()
+
+    def SubThreadFPS(self):
+        return self._dll.SubThreadFPS()
+
+    def LoadConfigFile(self, path):
+        return self._dll.LoadConfigFile(_text(path))
+
+    def LoadConfigData(self, xml):
+        return self._dll.LoadConfigData(_text(xml))
+
+    def StartGestureWork(self):
+        return self._dll.StartGestureWork()
+
+    def OnIdle(self):
+        self._dll.OnIdle()
+
+    def GetGestureIndex(self, player, name):
+        return self._dll.GetGestureIndex(_player(player), _text(name))
+
+    def GetGestureName(self, player, gesture):
+        return _decode(self._dll.GetGestureName(_player(player), _gesture(gesture)))
+
+    def GetGestureNum(self, player):
+        return self._dll.GetGestureNum(_player(player))
+
+    def Stricmp(self, a, b):
+        return self._dll.Stricmp(_text(a), _text(b))
+
+    # ---- Log output
+
+    def SetGestureLogOutPut(self):
+        return self._dll.SetGestureLogOutPut()
+
+    def SetDebugInfo(self, on):
+        self._dll.SetDebugInfo(bool(on))
+
+    # ---- Players and gestures, queued (worker mode)
+
+    def SetPlayer(self, player, track):
+        self._dll.SetPlayer(_player(player), bool(track))
+
+    def SetPlayerGesture(self, player, gesture, enable):
+        self._dll.SetPlayerGesture(_player(player), _gesture(gesture), bool(enable))
+
+    def SetPlayerGestureFromName(self, player, name, enable):
+        self._dll.SetPlayerGestureFromName(_player(player), _text(name), bool(enable))
+
+    def ResetPlayerGesture(self, player, gesture):
+        self._dll.ResetPlayerGesture(_player(player), _gesture(gesture))
+
+    def ResetPlayerGestureFromName(self, player, name):
+        self._dll.ResetPlayerGestureFromName(_player(player), _text(name))
+
+    # ---- Players and gestures, immediate (no worker)
+
+    def SetPlayerImmediate(self, player, track):
+        self._dll.SetPlayerImmediate(_player(player), bool(track))
+
+    def SetPlayerGestureImmediate(self, player, gesture, enable):
+        self._dll.SetPlayerGestureImmediate(_player(player), _gesture(gesture), bool(enable))
+
+    def SetPlayerGestureImmediateFromName(self, player, name, enable):
+        self._dll.SetPlayerGestureImmediateFromName(_player(player), _text(name), bool(enable))
+
+    def ResetPlayerGestureImmediate(self, player, gesture):
+        self._dll.ResetPlayerGestureImmediate(_player(player), _gesture(gesture))
+
+    def ResetPlayerGestureImmediateFromName(self, player, name):
+        self._dll.ResetPlayerGestureImmediateFromName(_player(player), _text(name))
+
+    # ---- Frames and results
+
+    def UpdateSketonData(self, player, joints, count=None):
+        """Hands a frame to the worker; count defaults to the joints given."""
+        points = None if joints is None else point_array(joints)
+        count = (0 if points is None else len(points)) if count is None else count
+        return self._dll.UpdateSketonData(_player(player), points, _int(count, c_int32, "count"))
+
+    def UpdateSketonDataImmediate(self, player, joints, results, count=None):
+        """Evaluates a frame and copies the results into `results` (an array
+        of the configured record type, one per gesture slot). Returns
+        (new results copied, number of records)."""
+        points = None if joints is None else point_array(joints)
+        count = (0 if points is None else len(points)) if count is None else count
+        written = c_uint32(0)
+        ok = self._dll.UpdateSketonDataImmediate(_player(player), points, _int(count, c_int32, "count"),
+                                                 results, ctypes.byref(written))
+        return ok, written.value
+
+    def GetPlayerGestureState(self, player, results):
+        """Returns (new results copied, number of records)."""
+        written = c_uint32(0)
+        ok = self._dll.GetPlayerGestureState(_player(player), results, ctypes.byref(written))
+        return ok, written.value
+
+    def GetPlayerVelocityData(self, player, joints):
+        """Copies the newest velocities into `joints`, a Point3 array of the
+        skeleton's size; True when copied."""
+        return self._dll.GetPlayerVelocityData(_player(player), joints, 0 if joints is None else len(joints))
+
+    # ---- Extensions
+
+    def PelmoraVersion(self):
+        parts = (c_int(), c_int(), c_int())
+        self._dll.PelmoraVersion(*(ctypes.byref(p) for p in parts))
+        return tuple(p.value for p in parts)
+
+    def SetTimeSource(self, now, user=None):
+        """Installs now(user) -> milliseconds as the library's clock (called
+        from the worker thread too); None restores the steady clock. An
+        exception inside `now` is printed and reads as 0."""
+        if now is None:
+            self._dll.SetTimeSource(TIME_SOURCE(), None)
+            return
+        if not isinstance(now, TIME_SOURCE):
+            python_now = now
+
+            def trampoline(user_pointer):
+                try:
+                    return int(python_now(user_pointer)) & 0xFFFFFFFF
+                except BaseException:  # nothing may unwind into the library
+                    traceback.print_exc(file=sys.stderr)
+                    return 0
+
+            now = TIME_SOURCE(trampoline)
+        _installed_time_sources.append(now)
+        self._dll.SetTimeSource(now, user)
+
+    def GetLastConfigError(self):
+        return _decode(self._dll.GetLastConfigError())

@@ -1,0 +1,61 @@
+// ConfigDocument - the configuration file as the library reads it, with the
+// XML row and column of every element: which gestures and processings the
+// library keeps (in its own index order), which value declarations it turns
+// down, and what it drops without a message. `pelmora check` places the
+// library's compile messages with it; the report quotes qualifications.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace PelmoraTool {
+
+struct XmlPlace {
+    int row = 0;
+    int column = 0;
+};
+
+struct QualificationEntry {
+    XmlPlace place;
+    std::string kind, value1, value2;
+    bool resetOnFailed = false;
+    bool finishOnSucceed = false;
+
+    // "Greate(@HandHeight, 0.2)", with the flags that are set.
+    std::string Describe() const;
+};
+
+struct SegmentEntry {
+    XmlPlace place;
+    std::vector<QualificationEntry> qualifications;
+};
+
+struct GestureEntry {
+    XmlPlace place;
+    std::string name;
+    std::vector<SegmentEntry> segments;
+};
+
+struct ProcessingEntry {
+    XmlPlace place;
+    std::vector<XmlPlace> functions;
+};
+
+struct ConfigNote {
+    XmlPlace place;
+    std::string text;
+};
+
+class ConfigDocument {
+public:
+    // Throws std::runtime_error with the parser's description and place.
+    static ConfigDocument Load(const std::string& path);
+
+    std::vector<GestureEntry> gestures;
+    std::vector<ProcessingEntry> processings;
+    std::vector<XmlPlace> refusedValueTypes;  // the library's "type is undefine" lines, in order
+    std::vector<XmlPlace> quaternions;        // its "Quaternion is not supported" lines, in order
+    std::vector<ConfigNote> ignored;          // dropped without a message
+};
+
+}  // namespace PelmoraTool

@@ -1,0 +1,281 @@
+#include "tools/Replay.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+#include <thread>
+
+#include "engine/Pelmora.h"
+#include "gesture/GestureTable.h"
+#include "tools/ConfigDocument.h"
+#include "tools/FailureTracker.h"
+#include "tools/LibrarySession.h"
+#include "tools/ProgressBar.h"
+#include "values/IdentifyValues.h"
+
+namespace PelmoraTool {
+
+namespace {
+
+using PelmoraLib::BaseValue;
+
+const std::chrono::seconds kWorkerTimeout(10);
+
+uint32_t ReadClock(void* clock) { return static_cast<std::atomic<uint32_t>*>(clock)->load(); }
+
+// The library's clock wraps at 32 bits and only differences matter, so
+// timestamps of any size map onto it.
+uint32_t Ticks(double timeMs) { return static_cast<uint32_t>(static_cast<int64_t>(std::llround(timeMs))); }
+
+bool SelectsAll(const std::vector<std::string>& names) {
+    return names.empty() || (names.size() == 1 && names[0] == "all");
+}
+
+double Number(BaseValue* part) {
+    return part->GetType() == BaseValue::Int ? *part->GetValue().i : *part->GetValue().f;
+}
+
+std::vector<std::vector<std::string>> Descriptions(const GestureEntry& gesture) {
+    std::vector<std::vector<std::string>> segments;
+    for (const SegmentEntry& segment : gesture.segments) {
+        segments.emplace_back();
+        for (const QualificationEntry& q : segment.qualifications) segments.back().push_back(q.Describe());
+    }
+    return segments;
+}
+
+}  // namespace
+
+Replay::Replay(const Recording& recording, const ReplayOptions& options, EventSink sink)
+    : m_Recording(recording), m_Options(options), m_Sink(std::move(sink)), m_PlayerIds(recording.Players()) {}
+
+Timeline Replay::Run(const std::string& configPath) {
+    if (m_Recording.frames.empty()) throw std::runtime_error("the recording has no frames");
+    const int players = static_cast<int>(m_PlayerIds.size());
+    LibrarySession session(players + (m_Options.worker ? 1 : 0), m_Recording.joints, m_Options.worker);
+    SetTimeSource(&ReadClock, &m_Clock);
+    m_Clock = Ticks(m_Recording.frames.front().timeMs);
+    session.LoadAndCompile(configPath);
+    ChooseGestures();
+    m_Players.resize(m_PlayerIds.size());
+    for (int p = 0; p < players; ++p) m_Players[p].records.resize(std::max<uint64_t>(1, GetGestureNum(p)));
+    if (m_Options.keepTimeline) PrepareTimeline(configPath);
+    m_Start = std::chrono::steady_clock::now();
+    if (m_Options.worker) {
+        RunWorker();
+    } else {
+        RunImmediate();
+    }
+    return m_Timeline;
+}
+
+void Replay::ChooseGestures() {
+    const uint32_t count = static_cast<uint32_t>(GetGestureNum(0));
+    for (uint32_t g = 0; g < count; ++g) m_GestureNames.push_back(GetGestureName(0, g));
+    m_LaneOf.assign(count, -1);
+    if (SelectsAll(m_Options.gestures)) {
+        for (uint32_t g = 0; g < count; ++g) m_Enabled.push_back(g);
+    } else {
+        for (const std::string& name : m_Options.gestures) m_Enabled.push_back(GestureNamed(name));
+    }
+    for (size_t lane = 0; lane < m_Enabled.size(); ++lane) m_LaneOf[m_Enabled[lane]] = static_cast<int>(lane);
+}
+
+uint32_t Replay::GestureNamed(const std::string& name) const {
+    const uint32_t g = GetGestureIndex(0, name.c_str());
+    if (g == PELMORA_NO_GESTURE) throw std::runtime_error("the configuration has no gesture \"" + name + "\"");
+    return g;
+}
+
+int Replay::PlayerIndex(long long player) const {
+    return static_cast<int>(std::lower_bound(m_PlayerIds.begin(), m_PlayerIds.end(), player) - m_PlayerIds.begin());
+}
+
+void Replay::PrepareTimeline(const std::string& configPath) {
+    const ConfigDocument document = ConfigDocument::Load(configPath);
+    PelmoraLib::GestureTable* table = PelmoraLib::Pelmora::Get()->GetGestureTable(0);
+    m_Timeline.config = configPath;
+    for (size_t p = 0; p < m_PlayerIds.size(); ++p) {
+        PlayerTimeline player = PlayerTimeline::FromRecording(m_Recording, m_PlayerIds[p]);
+        for (uint32_t g : m_Enabled) {
+            GestureLane lane;
+            lane.name = m_GestureNames[g];
+            lane.segmentCount = static_cast<uint32_t>(table->GetGesture(static_cast<size_t>(g))->GetSegmentSize());
+            if (g < document.gestures.size()) lane.qualifications = Descriptions(document.gestures[g]);
+            lane.progress.push_back({player.startMs, 0.0});
+            player.lanes.push_back(lane);
+        }
+        for (const std::string& name : m_Options.plots) {
+            m_Players[p].plots.push_back(PlotSource(static_cast<int>(p), name));
+            player.plots.push_back({name, {}});
+        }
+        m_Timeline.players.push_back(player);
+    }
+}
+
+// A value, or a component of a vector, that holds one number.
+BaseValue* Replay::PlotSource(int player, const std::string& name) const {
+    const std::string reference = name.rfind('@', 0) == 0 ? name : "@" + name;
+    BaseValue::SubType sub = BaseValue::SubWhole;
+    BaseValue* value = PelmoraLib::Pelmora::Get()->GetIdentifyValue(player)->GetValueFromString(reference.c_str(), sub, true);
+    if (!value) throw std::runtime_error("--plot " + name + ": the configuration has no such value");
+    BaseValue* part = value->GetSubValue(sub);
+    if (part->GetType() != BaseValue::Int && part->GetType() != BaseValue::Float)
+        throw std::runtime_error("--plot " + name + ": not a number; name a component such as " + name + ".y");
+    return part;
+}
+
+void Replay::RunImmediate() {
+    for (size_t p = 0; p < m_Players.size(); ++p) {
+        SetPlayerImmediate(static_cast<int>(p), true);
+        for (uint32_t g : m_Enabled) SetPlayerGestureImmediate(static_cast<int>(p), g, true);
+    }
+    const int32_t slots = static_cast<int32_t>(m_Recording.joints.size());
+    ProgressBar progress(m_Recording.frames.size());
+    for (size_t i = 0; i < m_Recording.frames.size(); ++i) {
+        const RecordedFrame& frame = m_Recording.frames[i];
+        const int p = PlayerIndex(frame.player);
+        Advance(frame.timeMs);
+        uint32_t count = 0;
+        if (UpdateSketonDataImmediate(p, frame.joints.data(), slots, m_Players[p].records.data(), &count))
+            Deliver(p, i, frame.timeMs, count);
+        progress.Update(i + 1);
+    }
+}
+
+void Replay::RunWorker() {
+    WarmUpPassMarker();
+    EnableQueued();
+    const std::vector<RecordedFrame>& frames = m_Recording.frames;
+    const int32_t slots = static_cast<int32_t>(m_Recording.joints.size());
+    ProgressBar progress(frames.size());
+    for (size_t first = 0, end = 0; first < frames.size(); first = end) {
+        const double timeMs = frames[first].timeMs;
+        Advance(timeMs);
+        for (end = first; end < frames.size() && frames[end].timeMs == timeMs; ++end) {
+            const int p = PlayerIndex(frames[end].player);
+            UpdateSketonData(p, frames[end].joints.data(), slots);
+            m_Players[p].lastFrame = end;
+            m_Players[p].fed = true;
+        }
+        OnIdle();
+        WaitForPass();
+        // In row order, as immediate mode reports them; then the players
+        // whose last frame was evaluated again.
+        for (size_t row = first; row < end; ++row) Collect(PlayerIndex(frames[row].player), timeMs);
+        for (size_t p = 0; p < m_Players.size(); ++p) Collect(static_cast<int>(p), timeMs);
+        progress.Update(end);
+    }
+}
+
+// Takes the player's results of the pass, once.
+void Replay::Collect(int player, double timeMs) {
+    uint32_t count = 0;
+    PlayerState& state = m_Players[player];
+    if (state.fed && GetPlayerGestureState(player, state.records.data(), &count))
+        Deliver(player, state.lastFrame, timeMs, count);
+}
+
+void Replay::EnableQueued() {
+    for (size_t p = 0; p < m_Players.size(); ++p) {
+        SetPlayer(static_cast<int>(p), true);
+        for (uint32_t g : m_Enabled) SetPlayerGesture(static_cast<int>(p), g, true);
+    }
+}
+
+// The marker player (the last one) gets a frame that every pass accepts and
+// answers with a result set. It is warmed up with two immediate frames while
+// the worker still waits for its first pass.
+void Replay::WarmUpPassMarker() {
+    const int marker = static_cast<int>(m_Players.size());
+    const std::vector<Point3> frame(m_Recording.joints.size(), Point3{0.0f, 0.0f, 1.0f});
+    const int32_t slots = static_cast<int32_t>(frame.size());
+    const uint32_t start = m_Clock;
+    m_MarkerRecords.resize(std::max<uint64_t>(1, GetGestureNum(marker)));
+    SetPlayerImmediate(marker, true);
+    uint32_t count = 0;
+    for (uint32_t before : {2u, 1u}) {
+        m_Clock = start - before;
+        UpdateSketonDataImmediate(marker, frame.data(), slots, m_MarkerRecords.data(), &count);
+    }
+    m_Clock = start;
+    UpdateSketonData(marker, frame.data(), slots);
+}
+
+void Replay::WaitForPass() {
+    const int marker = static_cast<int>(m_Players.size());
+    const auto deadline = std::chrono::steady_clock::now() + kWorkerTimeout;
+    uint32_t count = 0;
+    while (!GetPlayerGestureState(marker, m_MarkerRecords.data(), &count)) {
+        if (std::chrono::steady_clock::now() > deadline)
+            throw std::runtime_error("the library's worker did not finish a pass within 10 s");
+        std::this_thread::sleep_for(std::chrono::microseconds(50));
+    }
+}
+
+void Replay::Advance(double timeMs) {
+    m_Clock = Ticks(timeMs);
+    if (!m_Options.realtime) return;
+    const double sinceFirst = timeMs - m_Recording.frames.front().timeMs;
+    std::this_thread::sleep_until(m_Start + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                                                std::chrono::duration<double, std::milli>(sinceFirst)));
+}
+
+void Replay::Deliver(int player, size_t frame, double timeMs, uint32_t count) {
+    for (uint32_t k = 0; k < count; ++k) HandleRecord(player, frame, timeMs, m_Players[player].records[k]);
+    SamplePlots(player, timeMs);
+}
+
+void Replay::HandleRecord(int player, size_t frame, double timeMs, const PelmoraResult24& record) {
+    const uint32_t gesture = static_cast<uint32_t>(record.gestureIndex);
+    const uint32_t segment = static_cast<uint32_t>(record.segmentIndex);
+    uint32_t waitingIn = 0;
+    if (record.finished) {
+        Emit(player, frame, timeMs, gesture, EventKind::Finished, segment);
+    } else if (record.succeeded) {
+        Emit(player, frame, timeMs, gesture, EventKind::Advanced, segment);
+        waitingIn = segment + 1;
+    } else {
+        waitingIn = HandleFailure(player, record);
+        if (waitingIn == 0 && segment > 0) Emit(player, frame, timeMs, gesture, EventKind::Reset, segment);
+    }
+    if (GestureLane* lane = Lane(player, gesture)) lane->progress.push_back({timeMs, static_cast<double>(waitingIn)});
+}
+
+// The segment the gesture waits in after a failed check: the same one, or 0
+// when the failing qualification restarts the gesture.
+uint32_t Replay::HandleFailure(int player, const PelmoraResult24& record) {
+    const uint32_t segment = static_cast<uint32_t>(record.segmentIndex);
+    GestureLane* lane = Lane(player, static_cast<uint32_t>(record.gestureIndex));
+    if (segment == 0 && !lane) return 0;
+    const Failure failure = FailureTracker::Explain(player, record);
+    if (lane) lane->CountFailure(segment, failure.qualification);
+    return failure.reset ? 0 : segment;
+}
+
+void Replay::Emit(int player, size_t frame, double timeMs, uint32_t gesture, EventKind kind, uint32_t segment) {
+    GestureEvent event;
+    event.timeMs = timeMs;
+    event.frame = frame;
+    event.player = m_PlayerIds[player];
+    event.gesture = m_GestureNames[gesture];
+    event.kind = kind;
+    event.segment = segment;
+    event.label = m_Recording.frames[frame].label;
+    m_Sink(event);
+    GestureLane* lane = Lane(player, gesture);
+    if (lane && kind != EventKind::Advanced) lane->markers.push_back({timeMs, kind, segment});
+}
+
+GestureLane* Replay::Lane(int player, uint32_t gesture) {
+    if (!m_Options.keepTimeline || gesture >= m_LaneOf.size() || m_LaneOf[gesture] < 0) return nullptr;
+    return &m_Timeline.players[player].lanes[static_cast<size_t>(m_LaneOf[gesture])];
+}
+
+void Replay::SamplePlots(int player, double timeMs) {
+    if (!m_Options.keepTimeline) return;
+    std::vector<PlotSeries>& series = m_Timeline.players[player].plots;
+    for (size_t k = 0; k < series.size(); ++k) series[k].points.push_back({timeMs, Number(m_Players[player].plots[k])});
+}
+
+}  // namespace PelmoraTool
