@@ -9,7 +9,7 @@
 #include "engine/Pelmora.h"
 #include "engine/PlayerManager.h"
 #include "gesture/GestureTable.h"
-#include "values/Printed.h"
+#include "support/Printed.h"
 
 using namespace PelmoraLib;
 using PelmoraTest::Printed;

@@ -15,7 +15,7 @@
 #include <thread>
 
 #include "pelmora.h"
-#include "values/Printed.h"
+#include "support/Printed.h"
 
 namespace PelmoraTest {
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "support/Printed.h"
 #include "engine/Pelmora.h"
 #include "gesture/GestureTable.h"
 #include "pelmora.h"
@@ -20,18 +21,13 @@ struct GestureTableAccess {
 using namespace PelmoraLib;
 using Q = Qualification;
 
+using PelmoraTest::Printed;
+
 namespace {
 
 const char* const kNoEngine =
     "Pelmora::Instance do not been created before calling get function.\n"
     "PelmoraLib::Qualification::CheckAndPrint line: 186 Error: Pelmora::Instance is NULL\n";
-
-template <class Action>
-std::string Printed(Action action) {
-    testing::internal::CaptureStdout();
-    action();
-    return testing::internal::GetCapturedStdout();
-}
 
 // A player's pool with a few declared values; P_Head is (0, 0.8, 0).
 struct Pool : IdentifyValues {

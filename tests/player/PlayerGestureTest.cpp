@@ -7,7 +7,7 @@
 #include "PlayerFixture.h"
 #include "front/DebugInfo.h"
 #include "support/AllocationCounter.h"
-#include "values/Printed.h"
+#include "support/Printed.h"
 
 using namespace PelmoraLib;
 using PelmoraTest::Printed;

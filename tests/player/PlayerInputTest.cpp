@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "PlayerFixture.h"
-#include "values/Printed.h"
+#include "support/Printed.h"
 
 using namespace PelmoraLib;
 using PelmoraTest::Printed;

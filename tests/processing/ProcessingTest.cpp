@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "support/Printed.h"
 #include "engine/Pelmora.h"
 #include "pelmora.h"
 #include "processing/OneVariablesFunction.h"
@@ -19,6 +20,8 @@
 using namespace PelmoraLib;
 using T = BaseFunction::Type;
 
+using PelmoraTest::Printed;
+
 namespace {
 
 // A compiled function is named by its upper-case keyword.
@@ -28,13 +31,6 @@ const float kNaN = std::numeric_limits<float>::quiet_NaN();
 const float kInf = std::numeric_limits<float>::infinity();
 const int32_t kMax = std::numeric_limits<int32_t>::max();
 const int32_t kMin = std::numeric_limits<int32_t>::min();
-
-template <class Action>
-std::string Printed(Action action) {
-    testing::internal::CaptureStdout();
-    action();
-    return testing::internal::GetCapturedStdout();
-}
 
 struct Pool : IdentifyValues {
     Pool() {

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "Printed.h"
+#include "support/Printed.h"
 #include "values/FloatValue.h"
 #include "values/IntValue.h"
 #include "values/RefFloatValue.h"

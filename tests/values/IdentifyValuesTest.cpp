@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "Printed.h"
+#include "support/Printed.h"
 #include "values/FloatValue.h"
 #include "values/IdentifyValues.h"
 #include "values/IntValue.h"

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "Printed.h"
+#include "support/Printed.h"
 #include "values/ValueArithmetic.h"
 
 using namespace PelmoraLib;

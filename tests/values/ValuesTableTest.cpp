@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "Printed.h"
+#include "support/Printed.h"
 #include "values/FloatValue.h"
 #include "values/IntValue.h"
 #include "values/ValuesTable.h"

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "Printed.h"
+#include "support/Printed.h"
 #include "values/Vector3Value.h"
 #include "values/VectorMath.h"
 
