@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "gesture/GestureProgram.h"
+
 namespace PelmoraLib {
 
 Gesture::~Gesture() { Clear(); }
@@ -9,15 +11,20 @@ Gesture::~Gesture() { Clear(); }
 void Gesture::Clear() {
     for (Segment* segment : m_Segments) delete segment;
     m_Segments.clear();
+    GestureEpoch::Advance();
 }
 
-Qualification::Result Gesture::DoCheck(size_t segmentIndex) {
-    if (segmentIndex >= m_Segments.size()) {
-        printf("SegmentIndex Out of range!!\n");
-        return Qualification::Failed;
-    }
-    return m_Segments[segmentIndex]->OnCheck();
+void Gesture::AddSegment(Segment* segment) {
+    m_Segments.push_back(segment);
+    GestureEpoch::Advance();
 }
+
+Qualification::Result Gesture::SegmentOutOfRange() {
+    printf("SegmentIndex Out of range!!\n");
+    return Qualification::Failed;
+}
+
+Qualification::Result Gesture::DoCheck(size_t segmentIndex) { return Evaluate(segmentIndex); }
 
 Qualification::Result Gesture::DoCheckAndPrint(size_t segmentIndex) {
     if (segmentIndex >= m_Segments.size()) {

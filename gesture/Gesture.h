@@ -27,15 +27,24 @@ public:
 
     Qualification::Result DoCheck(size_t segmentIndex);
     Qualification::Result DoCheckAndPrint(size_t segmentIndex);
+    // DoCheck, inline for the player's gesture loop.
+    inline Qualification::Result Evaluate(size_t segmentIndex) const;
 
     // Takes ownership; used by the configuration compiler.
-    void AddSegment(Segment* segment) { m_Segments.push_back(segment); }
+    void AddSegment(Segment* segment);
     void Reserve(size_t count) { m_Segments.reserve(count); }
     Segment* GetSegment(size_t index) const { return index < m_Segments.size() ? m_Segments[index] : nullptr; }
 
 private:
+    static Qualification::Result SegmentOutOfRange();
+
     std::string m_Name;
     std::vector<Segment*> m_Segments;
 };
+
+inline Qualification::Result Gesture::Evaluate(size_t segmentIndex) const {
+    if (segmentIndex >= m_Segments.size()) return SegmentOutOfRange();
+    return m_Segments[segmentIndex]->Evaluate();
+}
 
 }  // namespace PelmoraLib

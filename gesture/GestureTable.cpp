@@ -12,14 +12,21 @@ uint64_t GestureTable::GetGestureIndex(const char* name) const {
 
 Gesture* GestureTable::GetGesture(const char* name) const { return GetGesture(GetGestureIndex(name)); }
 
-Gesture* GestureTable::GetGesture(size_t index) const {
-    if (index == kInvalidIndex || index >= m_Gestures.size()) return nullptr;
-    return m_Gestures[index];
-}
+Gesture* GestureTable::GetGesture(size_t index) const { return GestureAt(index); }
 
 void GestureTable::AddGesture(Gesture* gesture) {
     m_Gestures.push_back(gesture);
     m_IndexMap[gesture->GetName()] = m_Gestures.size() - 1;
+    GestureEpoch::Advance();
+}
+
+const GestureProgram& GestureTable::Program() {
+    const uint64_t epoch = GestureEpoch::Current();
+    if (m_ProgramEpoch != epoch) {
+        m_Program.Build(m_Gestures);
+        m_ProgramEpoch = epoch;
+    }
+    return m_Program;
 }
 
 void GestureTable::Clear() {
@@ -29,6 +36,7 @@ void GestureTable::Clear() {
     }
     m_Gestures.clear();
     m_IndexMap.clear();
+    GestureEpoch::Advance();
 }
 
 }  // namespace PelmoraLib

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "gesture/Gesture.h"
+#include "gesture/GestureProgram.h"
 
 namespace PelmoraLib {
 
@@ -28,8 +29,16 @@ public:
     uint64_t GetGestureIndex(const char* name) const;
     Gesture* GetGesture(const char* name) const;
     Gesture* GetGesture(size_t index) const;
+    // GetGesture by index, inline for the player's gesture loop.
+    Gesture* GestureAt(size_t index) const {
+        return index == kInvalidIndex || index >= m_Gestures.size() ? nullptr : m_Gestures[index];
+    }
     uint64_t GetGestureNum() const { return m_Gestures.size(); }
     void Clear();
+
+    // The gestures laid out for checking, rebuilt first when any gesture
+    // definition changed since it was last built.
+    const GestureProgram& Program();
 
 protected:
     friend class GestureConfigTable;
@@ -40,6 +49,8 @@ protected:
 private:
     std::map<std::string, uint64_t> m_IndexMap;
     std::vector<Gesture*> m_Gestures;
+    GestureProgram m_Program;
+    uint64_t m_ProgramEpoch = 0;
 };
 
 }  // namespace PelmoraLib

@@ -8,7 +8,9 @@
 
 #include "engine/Pelmora.h"
 #include "front/Diagnostics.h"
+#include "gesture/GestureProgram.h"
 #include "values/IdentifyValues.h"
+#include "values/PartStorage.h"
 
 namespace PelmoraLib {
 
@@ -60,6 +62,10 @@ const std::map<uint64_t, Qualification::CompareFunction>& Comparisons() {
     return map;
 }
 
+// The outcomes (below, above, equal, unordered) for which each kind holds,
+// by QualificationEnum: exactly the IEEE results of ==, !=, >, <, >=, <=.
+const uint8_t kHolds[] = {4, 1 | 2 | 8, 2, 1, 2 | 4, 1 | 4};
+
 const std::map<std::string, Qualification::QualificationEnum>& Keywords() {
     static const std::map<std::string, Qualification::QualificationEnum> map = {
         {"Equal", Qualification::Equal},     {"NoEqual", Qualification::NoEqual}, {"Greate", Qualification::Greate},
@@ -73,6 +79,33 @@ const std::map<std::string, Qualification::QualificationEnum>& Keywords() {
 Qualification::Qualification() {
     Keywords();
     Comparisons();
+}
+
+Qualification& Qualification::operator=(const Qualification& other) {
+    m_Value1 = other.m_Value1;
+    m_Value2 = other.m_Value2;
+    m_SubType1 = other.m_SubType1;
+    m_SubType2 = other.m_SubType2;
+    m_Compare = other.m_Compare;
+    m_QualificationEnum = other.m_QualificationEnum;
+    m_IsResetOnFailed = other.m_IsResetOnFailed;
+    m_IsFinishOnSucceed = other.m_IsFinishOnSucceed;
+    m_Operands = other.m_Operands;
+    m_Holds = other.m_Holds;
+    m_LeftStorage = other.m_LeftStorage;
+    m_RightStorage = other.m_RightStorage;
+    GestureEpoch::Advance();
+    return *this;
+}
+
+void Qualification::SetResetOnFailed(bool on) {
+    m_IsResetOnFailed = on;
+    GestureEpoch::Advance();
+}
+
+void Qualification::SetFinishOnSucceed(bool on) {
+    m_IsFinishOnSucceed = on;
+    GestureEpoch::Advance();
 }
 
 Qualification::QualificationEnum Qualification::GetQualificationEnum(const char* name) {
@@ -103,10 +136,31 @@ bool Qualification::SetQualification(QualificationEnum kind, BaseValue* value1, 
     m_Value2 = value2;
     m_SubType1 = subType1;
     m_SubType2 = subType2;
+    ResolveOperands();
+    GestureEpoch::Advance();
     return true;
 }
 
-Qualification::Result Qualification::Check() {
+// The comparison found by SetQualification takes int and float parts only,
+// so a resolved part's storage holds one number of the part's type.
+void Qualification::ResolveOperands() {
+    m_Operands = kGeneral;
+    BaseValue* left = PartStorage::FixedPart(m_Value1, m_SubType1);
+    BaseValue* right = PartStorage::FixedPart(m_Value2, m_SubType2);
+    if (m_QualificationEnum < Equal || m_QualificationEnum > ELess) return;
+    const void* leftStorage = PartStorage::Of(left);
+    const void* rightStorage = PartStorage::Of(right);
+    if (!leftStorage || !rightStorage) return;
+    const bool leftInt = left->GetType() == BaseValue::Int, rightInt = right->GetType() == BaseValue::Int;
+    m_LeftStorage = leftStorage;
+    m_RightStorage = rightStorage;
+    m_Holds = kHolds[m_QualificationEnum];
+    m_Operands = leftInt ? (rightInt ? kIntInt : kIntFloat) : (rightInt ? kFloatInt : kFloatFloat);
+}
+
+Qualification::Result Qualification::Check() { return Evaluate(); }
+
+Qualification::Result Qualification::CheckGeneral() {
     if (!m_Compare) return Failed;
     BaseValue* part2 = m_Value2->GetSubValue(m_SubType2);
     BaseValue* part1 = m_Value1->GetSubValue(m_SubType1);

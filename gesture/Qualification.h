@@ -2,9 +2,15 @@
 // a player's pool: the smallest unit of a gesture. The comparison routine is
 // chosen once from the operand types; each check re-reads the live values.
 // Comparisons are exact (no tolerance) and follow IEEE rules for NaN.
+// Checking is the innermost step of every frame, so SetQualification also
+// finds where the two compared numbers are stored when that is fixed (a
+// pool value lives as long as its pool and never moves): a check then reads
+// them directly instead of going through the values' virtual accessors.
 // Thread-safety: none; checked by the thread that updates its player. The
 // keyword and comparison tables are built once per process, thread-safely.
 #pragma once
+
+#include <cstdint>
 
 #include "PelmoraExport.h"
 #include "values/BaseValue.h"
@@ -18,6 +24,9 @@ public:
     using CompareFunction = bool (*)(BaseValue* left, BaseValue* right);
 
     Qualification();
+    Qualification(const Qualification& other) = default;
+    // Changes a definition that gesture programs may have copied.
+    Qualification& operator=(const Qualification& other);
 
     // Exact, case-sensitive keyword ("Equal" ... "ELess") to kind; Error otherwise.
     static QualificationEnum GetQualificationEnum(const char* name);
@@ -31,14 +40,40 @@ public:
 
     Result Check();
     Result CheckAndPrint();
+    // Check, inline for the segment loop.
+    inline Result Evaluate();
 
-    void SetResetOnFailed(bool on) { m_IsResetOnFailed = on; }
-    void SetFinishOnSucceed(bool on) { m_IsFinishOnSucceed = on; }
+    void SetResetOnFailed(bool on);
+    void SetFinishOnSucceed(bool on);
     bool IsResetOnFailed() const { return m_IsResetOnFailed; }
     bool IsFinishOnSucceed() const { return m_IsFinishOnSucceed; }
     QualificationEnum GetKind() const { return m_QualificationEnum; }
 
 private:
+    friend class GestureProgram;
+
+    // How the compared numbers are read: kGeneral through the values on every
+    // check (also before SetQualification succeeded), otherwise straight
+    // from the storage found by SetQualification, with the types it found.
+    enum Operands : uint8_t { kGeneral = 0, kIntInt, kFloatFloat, kIntFloat, kFloatInt };
+
+    Result CheckGeneral();
+    void ResolveOperands();
+    // The outcome of comparing left with right as one bit: 1 below, 2 above,
+    // 4 equal, 8 unordered (a NaN); a kind holds for a set of them.
+    static unsigned Compare(int32_t left, int32_t right) {
+        return static_cast<unsigned>(left < right) | static_cast<unsigned>(left > right) << 1 |
+               static_cast<unsigned>(left == right) << 2;
+    }
+    static unsigned Compare(float left, float right) {
+        const unsigned ordered = static_cast<unsigned>(left < right) | static_cast<unsigned>(left > right) << 1 |
+                                 static_cast<unsigned>(left == right) << 2;
+        return ordered | static_cast<unsigned>(ordered == 0) << 3;
+    }
+    static float AsFloat(const void* storage, bool isInt) {
+        return isInt ? static_cast<float>(*static_cast<const int32_t*>(storage)) : *static_cast<const float*>(storage);
+    }
+
     BaseValue* m_Value1 = nullptr;
     BaseValue* m_Value2 = nullptr;
     BaseValue::SubType m_SubType1 = BaseValue::SubWhole;
@@ -47,6 +82,24 @@ private:
     QualificationEnum m_QualificationEnum = Error;
     bool m_IsResetOnFailed = false;
     bool m_IsFinishOnSucceed = false;
+    Operands m_Operands = kGeneral;
+    uint8_t m_Holds = 0;  // the outcomes for which the kind holds
+    const void* m_LeftStorage = nullptr;
+    const void* m_RightStorage = nullptr;
 };
+
+inline Qualification::Result Qualification::Evaluate() {
+    if (m_Operands == kGeneral) return CheckGeneral();
+    unsigned outcome;
+    if (m_Operands == kIntInt) {
+        outcome = Compare(*static_cast<const int32_t*>(m_LeftStorage), *static_cast<const int32_t*>(m_RightStorage));
+    } else {
+        // Mixed int and float compare in single precision, as the general route does.
+        outcome = Compare(AsFloat(m_LeftStorage, m_Operands == kIntFloat), AsFloat(m_RightStorage, m_Operands == kFloatInt));
+    }
+    Result result = (outcome & m_Holds) != 0 ? Succeed : (m_IsResetOnFailed ? Reset : Failed);
+    if (m_IsFinishOnSucceed) result = Succeed_Finish;
+    return result;
+}
 
 }  // namespace PelmoraLib

@@ -1,9 +1,12 @@
 #include "gesture/Segment.h"
 
+#include "gesture/GestureProgram.h"
+
 namespace PelmoraLib {
 
 Segment::~Segment() {
     for (Qualification* qualification : m_Qualifications) delete qualification;
+    GestureEpoch::Advance();
 }
 
 template <bool Print>
@@ -15,11 +18,14 @@ Qualification::Result Segment::Run() {
     return Qualification::Succeed;
 }
 
-Qualification::Result Segment::OnCheck() { return Run<false>(); }
+Qualification::Result Segment::OnCheck() { return Evaluate(); }
 
 Qualification::Result Segment::CheckAndPrint() { return Run<true>(); }
 
-void Segment::AddQualification(Qualification* qualification) { m_Qualifications.push_back(qualification); }
+void Segment::AddQualification(Qualification* qualification) {
+    m_Qualifications.push_back(qualification);
+    GestureEpoch::Advance();
+}
 
 Qualification* Segment::GetQualification(size_t index) const {
     return index < m_Qualifications.size() ? m_Qualifications[index] : nullptr;

@@ -21,6 +21,8 @@ public:
 
     Qualification::Result OnCheck();
     Qualification::Result CheckAndPrint();
+    // OnCheck, inline for the gesture loop.
+    inline Qualification::Result Evaluate() const;
 
     // Takes ownership; used by the configuration compiler.
     void AddQualification(Qualification* qualification);
@@ -34,5 +36,13 @@ private:
 
     std::vector<Qualification*> m_Qualifications;
 };
+
+inline Qualification::Result Segment::Evaluate() const {
+    for (Qualification* qualification : m_Qualifications) {
+        const Qualification::Result result = qualification->Evaluate();
+        if (result != Qualification::Succeed) return result;
+    }
+    return Qualification::Succeed;
+}
 
 }  // namespace PelmoraLib

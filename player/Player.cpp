@@ -53,6 +53,114 @@ char* BuildRecord24(const PlayerGestureInfo& info, char* cursor, bool succeeded,
     return PutField(cursor, info.m_SegmentTime);
 }
 
+// The record of one gesture's check in a size fixed at compile time, so the
+// pass's loop calls no builder through a pointer.
+template <uint64_t Size>
+char* WriteRecord(char* cursor, const PlayerGestureInfo& info, bool succeeded, bool finished) {
+    if (Size == 24) return BuildRecord24(info, cursor, succeeded, finished);
+    if (Size == 16) return BuildRecord16(info, cursor, succeeded, finished);
+    return BuildRecord8(info, cursor, succeeded, finished);
+}
+
+char* WriteRecord(char* cursor, uint64_t size, const PlayerGestureInfo& info, bool succeeded, bool finished) {
+    switch (size) {
+        case 24: return WriteRecord<24>(cursor, info, succeeded, finished);
+        case 16: return WriteRecord<16>(cursor, info, succeeded, finished);
+        default: return WriteRecord<8>(cursor, info, succeeded, finished);
+    }
+}
+
+// Writes the record first, then moves the progress on. False, with a
+// message, for a result that is none of the four.
+bool ApplyResult(PlayerGestureInfo& info, uint64_t segmentCount, Qualification::Result result, char*& cursor,
+                 uint64_t recordSize, bool& finished) {
+    switch (result) {
+        case Qualification::Succeed:
+            if (info.m_SegmentIndex + 1ull < segmentCount) {
+                cursor = WriteRecord(cursor, recordSize, info, true, false);
+                ++info.m_SegmentIndex;
+                info.ResetSegmentTime();
+                return true;
+            }
+            cursor = WriteRecord(cursor, recordSize, info, true, true);
+            info.Reset();
+            finished = true;
+            return true;
+        case Qualification::Failed:
+            cursor = WriteRecord(cursor, recordSize, info, false, false);
+            return true;
+        case Qualification::Reset:
+            cursor = WriteRecord(cursor, recordSize, info, false, false);
+            info.Reset();
+            return true;
+        case Qualification::Succeed_Finish:
+            cursor = WriteRecord(cursor, recordSize, info, true, true);
+            info.Reset();
+            finished = true;
+            return true;
+    }
+    printf("Error Qualification Result: %d\n", static_cast<int>(result));
+    return false;
+}
+
+// What PlayerGestureInfo::UpdateTime does once the caller has looked up the
+// storage of the two time values (a null slot is a value that does not exist).
+void MeasureTimes(PlayerGestureInfo& info, int32_t* gestureTimeSlot, int32_t* segmentTimeSlot) {
+    const uint32_t now = Clock::NowMs();
+    info.m_SegmentTime = now - info.m_SegmentStart;
+    info.m_GestureTime = now - info.m_GestureStart;
+    if (!gestureTimeSlot) return;
+    if (segmentTimeSlot) *segmentTimeSlot = static_cast<int32_t>(info.m_SegmentTime);
+    *gestureTimeSlot = static_cast<int32_t>(info.m_GestureTime);
+}
+
+// The gesture loop of a pass as it nearly always runs (no trace, both time
+// values' storage found once) for one record size: the general loop of
+// UpdateGestureInfo with MeasureTimes and ApplyResult written out, so that
+// nothing is left to decide per gesture but the gesture's own state. The
+// clock is still read once per gesture, as UpdateTime does.
+template <uint64_t RecordSize>
+bool CheckGestures(std::vector<PlayerGestureInfo>& infos, const GestureProgram::View& program,
+                   int32_t* gestureTimeSlot, int32_t* segmentTimeSlot, char* cursor, uint64_t& records) {
+    bool anyFinished = false;
+    uint64_t written = 0;
+    for (PlayerGestureInfo& info : infos) {
+        const size_t index = static_cast<size_t>(info.m_GestureIndex);
+        if (!info.m_IsActive || index == GestureTable::kInvalidIndex || index >= program.GestureCount()) continue;
+        // MeasureTimes with both values present.
+        const uint32_t now = Clock::NowMs();
+        info.m_SegmentTime = now - info.m_SegmentStart;
+        info.m_GestureTime = now - info.m_GestureStart;
+        *segmentTimeSlot = static_cast<int32_t>(info.m_SegmentTime);
+        *gestureTimeSlot = static_cast<int32_t>(info.m_GestureTime);
+        const Qualification::Result result = program.Check(index, info.m_SegmentIndex);
+        // Most gestures wait in their segment: record, and nothing moves.
+        if (result == Qualification::Failed) {
+            cursor = WriteRecord<RecordSize>(cursor, info, false, false);
+            ++written;
+            continue;
+        }
+        if (static_cast<unsigned>(result) > Qualification::Succeed_Finish) {
+            printf("Error Qualification Result: %d\n", static_cast<int>(result));
+            continue;
+        }
+        // ApplyResult's cases, written once: the record, then the progress.
+        const bool advances = result == Qualification::Succeed && info.m_SegmentIndex + 1ull < program.SegmentCount(index);
+        const bool finished = result == Qualification::Succeed_Finish || (result == Qualification::Succeed && !advances);
+        cursor = WriteRecord<RecordSize>(cursor, info, result == Qualification::Succeed || finished, finished);
+        ++written;
+        if (advances) {
+            ++info.m_SegmentIndex;
+            info.ResetSegmentTime();
+            continue;
+        }
+        info.Reset();
+        anyFinished = anyFinished || finished;
+    }
+    records = written;
+    return anyFinished;
+}
+
 uint64_t PoolIndex(int index) { return static_cast<uint32_t>(index); }
 
 BaseValue* ValueOfType(IdentifyValues& pool, uint64_t index, BaseValue::Type type) {
@@ -141,6 +249,7 @@ Player::Player(int index) : m_PlayerIndex(index) {
         m_VelocityOutput.GetSlot(slot).assign(slots, Point3{0.0f, 0.0f, 0.0f});
     }
     m_VelocitySums.assign(slots, Point3{0.0f, 0.0f, 0.0f});
+    m_SlotTargets.resize(slots);
     m_PositionHistory.resize(frames);
     for (PositionFrame& frame : m_PositionHistory) frame.m_Points.assign(slots, Point3{0.0f, 0.0f, 0.0f});
     m_VelocityHistory.assign(frames - 1, std::vector<Point3>(slots, Point3{0.0f, 0.0f, 0.0f}));
@@ -249,6 +358,7 @@ void Player::CalcSkeletonVelocity() {
 }
 
 void Player::DoPlayerProcessing() {
+    m_PassPool = nullptr;
     Pelmora* engine = Pelmora::Get();
     if (!engine) {
         Diagnostics::Located("PelmoraLib::Player::DoPlayerProcessing", 701, Diagnostics::kPelmora);
@@ -259,12 +369,22 @@ void Player::DoPlayerProcessing() {
         printf("DoPlayerProcessing Failed!\n");
         return;
     }
+    m_PassPool = pool;
     CalcSkeletonVelocity();
 
     const std::vector<Point3>& newest = m_PositionHistory[m_PositionIndex].m_Points;
     const size_t slots = std::min({newest.size(), m_SkeletonPosValueIndexArray.size(), m_VelocitySums.size()});
+    if (pool != m_SlotPool || pool->GetGeneration() != m_SlotGeneration || m_SlotTargets.size() < slots)
+        FindSlotTargets(*pool, slots);
     for (size_t k = 0; k < slots; ++k) {
         const uint64_t positionIndex = m_SkeletonPosValueIndexArray[k];
+        const SlotTarget& target = m_SlotTargets[k];
+        if (target.position && target.positionIndex == positionIndex &&
+            target.velocityIndex == m_SkeletonVelocityValueIndexArray[k]) {
+            memcpy(target.position, &newest[k], sizeof(Point3));
+            memcpy(target.velocity, &m_VelocitySums[k], sizeof(Point3));
+            continue;
+        }
         BaseValue* position = ValueOfType(*pool, positionIndex, BaseValue::Vector3);
         BaseValue* velocity = ValueOfType(*pool, m_SkeletonVelocityValueIndexArray[k], BaseValue::Vector3);
         if (!position || !velocity) {
@@ -285,6 +405,28 @@ void Player::DoPlayerProcessing() {
     } else {
         processing->FrameUpdate();
     }
+}
+
+// Looks up, without a message, where each slot's position and velocity are
+// stored in the pool; a slot whose values are missing or not vectors gets no
+// storage and is looked up (and reported) on every frame as before.
+void Player::FindSlotTargets(const IdentifyValues& pool, size_t slots) {
+    m_SlotTargets.resize(std::max(slots, m_SlotTargets.size()));
+    auto vectorStorage = [&](uint64_t index) -> float* {
+        if (index >= pool.GetValueCount()) return nullptr;
+        BaseValue* value = pool.GetValue(static_cast<size_t>(index));
+        return value && value->GetType() == BaseValue::Vector3 ? value->GetValue().v3 : nullptr;
+    };
+    for (size_t k = 0; k < slots; ++k) {
+        SlotTarget& target = m_SlotTargets[k];
+        target.positionIndex = m_SkeletonPosValueIndexArray[k];
+        target.velocityIndex = m_SkeletonVelocityValueIndexArray[k];
+        target.position = vectorStorage(target.positionIndex);
+        target.velocity = vectorStorage(target.velocityIndex);
+        if (!target.velocity) target.position = nullptr;
+    }
+    m_SlotPool = &pool;
+    m_SlotGeneration = pool.GetGeneration();
 }
 
 void Player::SetVelocityFrameNum(int frameNum) {
@@ -327,7 +469,9 @@ void Player::InitGestureList() {
 
     ClearGestureList();
     m_GestureInfos.reserve(gestures);
-    for (size_t i = 0; i < gestures; ++i) m_GestureInfos.emplace_back(new PlayerGestureInfo(static_cast<uint32_t>(i)));
+    for (size_t i = 0; i < gestures; ++i) m_GestureInfos.emplace_back(static_cast<uint32_t>(i));
+    // Laid out now, so that the first frame finds it ready.
+    table->Program();
 
     switch (engine->GetReturnInfoType()) {
         case ReturnInfo8: m_BuildRecord = &BuildRecord8; m_ReturnInfoSize = 8; break;
@@ -347,7 +491,7 @@ void Player::InitGestureList() {
 void Player::ClearGestureList() { m_GestureInfos.clear(); }
 
 void Player::Reset() {
-    for (auto& info : m_GestureInfos) info->Reset();
+    for (PlayerGestureInfo& info : m_GestureInfos) info.Reset();
 }
 
 void Player::SetGesture(unsigned int gestureIndex, bool active) {
@@ -363,7 +507,7 @@ PlayerGestureInfo* Player::GetGestureInfo(size_t index) {
         printf("GetGestureInfo Index Out Of Range! Index: %ul\n", static_cast<unsigned>(index));
         return nullptr;
     }
-    return m_GestureInfos[index].get();
+    return &m_GestureInfos[index];
 }
 
 char* Player::BuildGestureFinishResult(PlayerGestureInfo* info, char* cursor, bool succeeded, bool finished) {
@@ -381,58 +525,73 @@ bool Player::UpdateGestureInfo() {
     if (!m_BuildRecord) return false;
 
     ReturnGestureInfoBuffer& slot = m_ResultBuffer.WriteSlot();
-    slot.m_Count = 0;
     char* cursor = slot.m_Data.data();
     const bool trace = IsDebugInfo();
+    // The time values' storage is the same for every gesture of the pass.
+    int32_t* gestureTimeSlot = nullptr;
+    int32_t* segmentTimeSlot = nullptr;
+    const bool timeSlots = PassTimeSlots(gestureTimeSlot, segmentTimeSlot);
+    // Without a table no gesture is checked; its program has one entry per
+    // gesture of the table.
+    const GestureProgram::View program = table ? table->Program().GetView() : GestureProgram::View();
+    const uint64_t recordSize = m_ReturnInfoSize;
+    uint64_t records = 0;
     bool anyFinished = false;
-    for (auto& entry : m_GestureInfos) {
-        PlayerGestureInfo& info = *entry;
-        Gesture* gesture = info.m_IsActive && table ? table->GetGesture(static_cast<size_t>(info.m_GestureIndex)) : nullptr;
-        if (!gesture) continue;
-        info.UpdateTime(m_PlayerIndex);
-        const Qualification::Result result =
-            trace ? gesture->DoCheckAndPrint(info.m_SegmentIndex) : gesture->DoCheck(info.m_SegmentIndex);
-        bool finished = false;
-        if (!ApplyResult(info, *gesture, result, cursor, finished)) continue;
-        ++slot.m_Count;
-        anyFinished = anyFinished || finished;
+    if (!trace && timeSlots && gestureTimeSlot && segmentTimeSlot) {
+        switch (recordSize) {
+            case 24:
+                anyFinished = CheckGestures<24>(m_GestureInfos, program, gestureTimeSlot, segmentTimeSlot, cursor, records);
+                break;
+            case 16:
+                anyFinished = CheckGestures<16>(m_GestureInfos, program, gestureTimeSlot, segmentTimeSlot, cursor, records);
+                break;
+            default:
+                anyFinished = CheckGestures<8>(m_GestureInfos, program, gestureTimeSlot, segmentTimeSlot, cursor, records);
+                break;
+        }
+    } else {
+        // Traced, or with a time value missing or looked up gesture by gesture.
+        for (PlayerGestureInfo& info : m_GestureInfos) {
+            const size_t index = static_cast<size_t>(info.m_GestureIndex);
+            if (!info.m_IsActive || index == GestureTable::kInvalidIndex || index >= program.GestureCount()) continue;
+            if (timeSlots) {
+                MeasureTimes(info, gestureTimeSlot, segmentTimeSlot);
+            } else {
+                info.UpdateTime(m_PlayerIndex);
+            }
+            const Qualification::Result result = trace ? table->GestureAt(index)->DoCheckAndPrint(info.m_SegmentIndex)
+                                                       : program.Check(index, info.m_SegmentIndex);
+            bool finished = false;
+            if (!ApplyResult(info, program.SegmentCount(index), result, cursor, recordSize, finished)) continue;
+            ++records;
+            anyFinished = anyFinished || finished;
+        }
     }
+    slot.m_Count = records;
     m_ResultBuffer.Commit();
     ScopedLock lock(m_PlayerLock);
     m_HasNewData = true;
     return anyFinished;
 }
 
-// Writes the record first, then moves the progress on.
-bool Player::ApplyResult(PlayerGestureInfo& info, const Gesture& gesture, Qualification::Result result,
-                         char*& cursor, bool& finished) {
-    switch (result) {
-        case Qualification::Succeed:
-            if (info.m_SegmentIndex + 1ull < gesture.GetSegmentSize()) {
-                cursor = BuildGestureFinishResult(&info, cursor, true, false);
-                ++info.m_SegmentIndex;
-                info.ResetSegmentTime();
-                return true;
-            }
-            cursor = BuildGestureFinishResult(&info, cursor, true, true);
-            info.Reset();
-            finished = true;
-            return true;
-        case Qualification::Failed:
-            cursor = BuildGestureFinishResult(&info, cursor, false, false);
-            return true;
-        case Qualification::Reset:
-            cursor = BuildGestureFinishResult(&info, cursor, false, false);
-            info.Reset();
-            return true;
-        case Qualification::Succeed_Finish:
-            cursor = BuildGestureFinishResult(&info, cursor, true, true);
-            info.Reset();
-            finished = true;
-            return true;
-    }
-    printf("Error Qualification Result: %d\n", static_cast<int>(result));
-    return false;
+// The storage of "GestureTime" and "SegmentTime" in the pool that this pass's
+// processing found, looked up the way each gesture's UpdateTime(player) would
+// but once. False when that lookup would print something (no pool, an index
+// outside the pool): the gestures then take the printing route one by one.
+bool Player::PassTimeSlots(int32_t*& gestureTimeSlot, int32_t*& segmentTimeSlot) const {
+    const IdentifyValues* pool = m_PassPool;
+    if (!pool) return false;
+    const size_t gestureIndex = static_cast<size_t>(static_cast<uint32_t>(PlayerGestureInfo::ms_GestureTimeIndex));
+    const size_t segmentIndex = static_cast<size_t>(static_cast<uint32_t>(PlayerGestureInfo::ms_SegmentTimeIndex));
+    if (gestureIndex >= pool->GetValueCount()) return false;
+    BaseValue* gestureTime = pool->GetValue(gestureIndex);
+    gestureTimeSlot = gestureTime ? gestureTime->GetValue().i : nullptr;
+    segmentTimeSlot = nullptr;
+    if (!gestureTime) return true;
+    if (segmentIndex >= pool->GetValueCount()) return false;
+    BaseValue* segmentTime = pool->GetValue(segmentIndex);
+    segmentTimeSlot = segmentTime ? segmentTime->GetValue().i : nullptr;
+    return true;
 }
 
 bool Player::CheckHasNewData() {

@@ -26,6 +26,8 @@
 
 namespace PelmoraLib {
 
+class IdentifyValues;
+
 // Fixed to the record's 32-bit field: other codes from the host are kept
 // (and leave the weights alone) without UB.
 enum VelocityMulType : int32_t { VelocityMulEqual = 0, VelocityMulHalving = 1 };
@@ -102,8 +104,8 @@ private:
     static int ValidSkeletonType(int slot, int type);
     bool StoreFrame(const void* data, int count);
     void DeriveVelocities(uint64_t previousEntry);
-    bool ApplyResult(PlayerGestureInfo& info, const Gesture& gesture, Qualification::Result result, char*& cursor,
-                     bool& finished);
+    bool PassTimeSlots(int32_t*& gestureTimeSlot, int32_t*& segmentTimeSlot) const;
+    void FindSlotTargets(const IdentifyValues& pool, size_t slots);
 
     static int ms_VelocityFrameNum;
     static VelocityMulType ms_VelocityMulType;
@@ -125,12 +127,29 @@ private:
     bool m_IsGetVelocityData = false;
     bool m_ZeroStepReported = false;
 
-    std::vector<std::unique_ptr<PlayerGestureInfo>> m_GestureInfos;
+    // One record per gesture, side by side: a pass walks them in order.
+    std::vector<PlayerGestureInfo> m_GestureInfos;
     MulBuffer<ReturnGestureInfoBuffer> m_ResultBuffer;
     uint64_t m_ReturnInfoSize = 0;
     RecordBuilder m_BuildRecord = nullptr;
     bool m_HasNewData = false;
     CriticalSection m_PlayerLock;
+    // The value pool found by this pass's processing step; null when it
+    // found none.
+    IdentifyValues* m_PassPool = nullptr;
+
+    // Where each skeleton slot's position and velocity are stored in the
+    // pool, found once and kept while the pool's generation stands (see
+    // FindSlotTargets). A null position: look the slot up every frame.
+    struct SlotTarget {
+        uint64_t positionIndex = 0;
+        uint64_t velocityIndex = 0;
+        float* position = nullptr;
+        float* velocity = nullptr;
+    };
+    std::vector<SlotTarget> m_SlotTargets;
+    const IdentifyValues* m_SlotPool = nullptr;
+    uint64_t m_SlotGeneration = 0;
 };
 
 }  // namespace PelmoraLib

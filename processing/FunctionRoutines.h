@@ -17,13 +17,21 @@ namespace FunctionRoutines {
 
 // Computes `result` from `first` (and `second`, null for one operand).
 using Routine = void (*)(BaseValue* result, BaseValue* first, BaseValue* second);
+// The same computation on the values' storage, found beforehand (see
+// PartStorage): no virtual accessor on the way.
+using DirectRoutine = void (*)(void* result, void* first, void* second);
+
+struct Routines {
+    Routine routine = nullptr;
+    DirectRoutine direct = nullptr;
+};
 
 uint64_t Key(BaseFunction::Type type, BaseValue::Type result, BaseValue::Type first, BaseValue::Type second);
 
 // SET, ABS, LENGTH, SQRLENGTH, NORMALIZE.
-const std::map<uint64_t, Routine>& OneOperand();
+const std::map<uint64_t, Routines>& OneOperand();
 // ADD, SUB, MUL, DIV, DOT, CROSS, DISTANCE, SQRDISTANCE, ANGLE.
-const std::map<uint64_t, Routine>& TwoOperands();
+const std::map<uint64_t, Routines>& TwoOperands();
 
 }  // namespace FunctionRoutines
 }  // namespace PelmoraLib

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "values/IdentifyValues.h"
+#include "values/PartStorage.h"
 
 namespace PelmoraLib {
 
@@ -14,16 +15,23 @@ bool OneVariablesFunction::SetFunction(Type type, BaseValue* result, BaseValue::
     const BaseValue::Type operandType = operand->GetSubValue(operandSub)->GetType();
     const auto& registry = FunctionRoutines::OneOperand();
     const auto found = registry.find(FunctionRoutines::Key(type, resultType, operandType, BaseValue::Int));
-    if (found == registry.end() || !found->second) return false;
-    m_Routine = found->second;
+    if (found == registry.end() || !found->second.routine) return false;
+    m_Routine = found->second.routine;
     m_Result = result;
     m_ResultSub = resultSub;
     m_Operand = operand;
     m_OperandSub = operandSub;
+    m_ResultStorage = PartStorage::Find(result, resultSub);
+    m_OperandStorage = PartStorage::Find(operand, operandSub);
+    m_Direct = m_ResultStorage && m_OperandStorage ? found->second.direct : nullptr;
     return true;
 }
 
 void OneVariablesFunction::Run() {
+    if (m_Direct) {
+        m_Direct(m_ResultStorage, m_OperandStorage, nullptr);
+        return;
+    }
     if (!m_Routine) return;
     m_Routine(m_Result->GetSubValue(m_ResultSub), m_Operand->GetSubValue(m_OperandSub), nullptr);
 }

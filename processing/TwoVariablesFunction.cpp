@@ -4,6 +4,7 @@
 #include <string>
 
 #include "values/IdentifyValues.h"
+#include "values/PartStorage.h"
 
 namespace PelmoraLib {
 
@@ -16,18 +17,26 @@ bool TwoVariablesFunction::SetFunction(Type type, BaseValue* result, BaseValue::
     const BaseValue::Type type1 = operand1->GetSubValue(sub1)->GetType();
     const auto& registry = FunctionRoutines::TwoOperands();
     const auto found = registry.find(FunctionRoutines::Key(type, resultType, type0, type1));
-    if (found == registry.end() || !found->second) return false;
-    m_Routine = found->second;
+    if (found == registry.end() || !found->second.routine) return false;
+    m_Routine = found->second.routine;
     m_Result = result;
     m_ResultSub = resultSub;
     m_Operand0 = operand0;
     m_Sub0 = sub0;
     m_Operand1 = operand1;
     m_Sub1 = sub1;
+    m_ResultStorage = PartStorage::Find(result, resultSub);
+    m_Storage0 = PartStorage::Find(operand0, sub0);
+    m_Storage1 = PartStorage::Find(operand1, sub1);
+    m_Direct = m_ResultStorage && m_Storage0 && m_Storage1 ? found->second.direct : nullptr;
     return true;
 }
 
 void TwoVariablesFunction::Run() {
+    if (m_Direct) {
+        m_Direct(m_ResultStorage, m_Storage0, m_Storage1);
+        return;
+    }
     if (!m_Routine) return;
     m_Routine(m_Result->GetSubValue(m_ResultSub), m_Operand0->GetSubValue(m_Sub0), m_Operand1->GetSubValue(m_Sub1));
 }

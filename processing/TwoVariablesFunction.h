@@ -24,6 +24,12 @@ public:
 
 private:
     FunctionRoutines::Routine m_Routine = nullptr;
+    // Set when every part's storage is fixed (see PartStorage): Run then
+    // computes on the storage directly.
+    FunctionRoutines::DirectRoutine m_Direct = nullptr;
+    void* m_ResultStorage = nullptr;
+    void* m_Storage0 = nullptr;
+    void* m_Storage1 = nullptr;
     BaseValue* m_Result = nullptr;
     BaseValue::SubType m_ResultSub = BaseValue::SubWhole;
     BaseValue* m_Operand0 = nullptr;

@@ -1,5 +1,6 @@
 #include "values/ValuesTable.h"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 
@@ -46,6 +47,12 @@ ValuesTable::~ValuesTable() { Clear(); }
 void ValuesTable::AddValue(const std::string& name, BaseValue* value) {
     m_Values.push_back(value);
     m_IndexMap[name] = m_Values.size() - 1;
+    Touch();
+}
+
+void ValuesTable::Touch() {
+    static std::atomic<uint64_t> generations{0};
+    m_Generation = generations.fetch_add(1, std::memory_order_relaxed) + 1;
 }
 
 uint64_t ValuesTable::CreateValue(BaseValue::Type type, const char* name, const char* initial) {
@@ -148,6 +155,7 @@ void ValuesTable::Clear() {
     m_Values.clear();
     m_IndexMap.clear();
     m_ConstValues.clear();
+    Touch();
 }
 
 }  // namespace PelmoraLib

@@ -37,16 +37,22 @@ public:
     BaseValue* GetConstValue(const char* literal);
     size_t GetValueCount() const { return m_Values.size(); }
     void Clear();
+    // Changes whenever a value is added or the table is cleared, to a number
+    // no table of the process had before: whoever keeps what it looked up by
+    // index can tell cheaply whether that still stands.
+    uint64_t GetGeneration() const { return m_Generation; }
 
     // The joint names without their "P_" / "V_" prefix, by skeleton type 0-24.
     static const char* JointName(size_t joint);
 
 private:
     void AddValue(const std::string& name, BaseValue* value);
+    void Touch();
 
     std::map<std::string, uint64_t> m_IndexMap;
     std::vector<BaseValue*> m_Values;
     std::map<std::string, BaseValue*> m_ConstValues;
+    uint64_t m_Generation = 0;
 };
 
 }  // namespace PelmoraLib

@@ -1,0 +1,194 @@
+// Worker mode, as a host with a real sensor drives it: a frame every few
+// milliseconds, so the worker is asleep when woken. Each iteration times one
+// frame through the library (UpdateSketonData, OnIdle, then polling
+// GetPlayerGestureState until it has the new results) and, at the same
+// pacing, the bare round trip of waking a sleeping thread through a mutex and
+// condition variable and seeing its answer. Both are polled the same way, so
+// their ratio is what the library adds to the wake-up itself.
+#include <benchmark/benchmark.h>
+
+#include <immintrin.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "bench/Benchmarks.h"
+#include "bench/MallocCounter.h"
+#include "bench/Session.h"
+#include "bench/Workload.h"
+
+namespace PelmoraBench {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+const auto kPacing = std::chrono::milliseconds(2);
+const int kFrames = 600;
+
+// Between two polls: both round trips poll alike, and a poll loop that
+// breathes leaves the locks it touches to the worker.
+inline void Breathe() {
+    for (int i = 0; i < 8; ++i) _mm_pause();
+}
+
+// A thread that sleeps on a condition variable and answers each wake-up by
+// bumping a counter: the least any worker can do.
+class BareWorker {
+public:
+    BareWorker() : m_Thread([this] { Run(); }) {}
+    ~BareWorker() {
+        {
+            std::lock_guard<std::mutex> lock(m_Mutex);
+            m_Stop = true;
+        }
+        m_Condition.notify_one();
+        m_Thread.join();
+    }
+
+    // Wakes the thread and waits for its answer; returns nanoseconds.
+    double RoundTrip() {
+        const uint64_t before = m_Answers.load(std::memory_order_acquire);
+        const Clock::time_point start = Clock::now();
+        {
+            std::lock_guard<std::mutex> lock(m_Mutex);
+            m_Pending = true;
+        }
+        m_Condition.notify_one();
+        while (m_Answers.load(std::memory_order_acquire) == before) Breathe();
+        return std::chrono::duration<double, std::nano>(Clock::now() - start).count();
+    }
+
+private:
+    void Run() {
+        for (;;) {
+            std::unique_lock<std::mutex> lock(m_Mutex);
+            m_Condition.wait(lock, [this] { return m_Pending || m_Stop; });
+            if (m_Stop) return;
+            m_Pending = false;
+            lock.unlock();
+            m_Answers.fetch_add(1, std::memory_order_release);
+        }
+    }
+
+    std::mutex m_Mutex;
+    std::condition_variable m_Condition;
+    bool m_Pending = false;
+    bool m_Stop = false;
+    std::atomic<uint64_t> m_Answers{0};
+    std::thread m_Thread;
+};
+
+double Percentile(std::vector<double> samples, double fraction) {
+    if (samples.empty()) return 0.0;
+    std::sort(samples.begin(), samples.end());
+    const size_t index = std::min(samples.size() - 1, static_cast<size_t>(fraction * static_cast<double>(samples.size())));
+    return samples[index];
+}
+
+// One frame for every player, the worker woken once, and the results of all
+// of them read back; returns nanoseconds. False in `ok` when the worker did
+// not answer in time (as while the velocity history fills).
+double LibraryRoundTrip(int players, const std::vector<std::vector<Point3>>& motions, uint64_t frame,
+                        FrameClock& clock, std::vector<PelmoraResult24>& results, bool& ok,
+                        std::chrono::milliseconds patience = std::chrono::seconds(1)) {
+    uint32_t count = 0;
+    const Clock::time_point start = Clock::now();
+    clock.Advance(kFrameMs);
+    for (int p = 0; p < players; ++p) {
+        UpdateSketonData(p, motions[static_cast<size_t>(p)].data() + (frame % kCycleFrames) * kJointCount, kJointCount);
+    }
+    OnIdle();
+    // Players are evaluated in order: the last one's results close the pass.
+    while (!GetPlayerGestureState(players - 1, results.data(), &count)) {
+        if (Clock::now() - start > patience) {
+            ok = false;
+            return 0.0;
+        }
+        Breathe();
+    }
+    const double elapsed = std::chrono::duration<double, std::nano>(Clock::now() - start).count();
+    for (int p = 0; p + 1 < players; ++p) GetPlayerGestureState(p, results.data(), &count);
+    return elapsed;
+}
+
+void WorkerWake(benchmark::State& state, int players, int gestures) {
+    FrameClock clock;
+    Session session(true, players, Document(gestures), clock);
+    if (!session.Ok()) {
+        state.SkipWithError(session.Error().c_str());
+        return;
+    }
+    std::vector<std::vector<Point3>> motions;
+    for (int p = 0; p < players; ++p) motions.push_back(MakeMotion(p));
+    std::vector<PelmoraResult24> results(static_cast<size_t>(gestures) + 1);
+    BareWorker bare;
+
+    // Warm up: the queued enables run in the first pass, the velocity
+    // history fills, and both threads have run.
+    uint64_t frame = 0;
+    bool ok = true;
+    for (; frame < 2 * static_cast<uint64_t>(kCycleFrames); ++frame) {
+        LibraryRoundTrip(players, motions, frame, clock, results, ok, std::chrono::milliseconds(200));
+        bare.RoundTrip();
+    }
+    ok = true;
+    LibraryRoundTrip(players, motions, frame++, clock, results, ok);
+    if (!ok) {
+        state.SkipWithError("the worker did not answer");
+        return;
+    }
+
+    std::vector<double> library, wake;
+    library.reserve(static_cast<size_t>(state.max_iterations));
+    wake.reserve(static_cast<size_t>(state.max_iterations));
+    uint64_t allocated = 0;
+    for (auto _ : state) {
+        std::this_thread::sleep_for(kPacing);
+        double elapsed;
+        {
+            MallocWindow allocations;
+            elapsed = LibraryRoundTrip(players, motions, frame++, clock, results, ok);
+            allocated += allocations.Allocations();
+        }
+        if (!ok) {
+            state.SkipWithError("the worker did not answer");
+            break;
+        }
+        library.push_back(elapsed);
+        state.SetIterationTime(elapsed * 1e-9);
+        std::this_thread::sleep_for(kPacing);
+        wake.push_back(bare.RoundTrip());
+    }
+    const double libraryP50 = Percentile(library, 0.50), wakeP50 = Percentile(wake, 0.50);
+    state.counters["players"] = players;
+    state.counters["gestures"] = gestures;
+    state.counters["lib_p50_us"] = libraryP50 * 1e-3;
+    state.counters["lib_p99_us"] = Percentile(library, 0.99) * 1e-3;
+    state.counters["cv_p50_us"] = wakeP50 * 1e-3;
+    state.counters["cv_p99_us"] = Percentile(wake, 0.99) * 1e-3;
+    state.counters["p50_ratio"] = wakeP50 > 0 ? libraryP50 / wakeP50 : 0.0;
+    state.counters["allocs_per_frame"] =
+        library.empty() ? 0.0 : static_cast<double>(allocated) / static_cast<double>(library.size() * players);
+}
+
+}  // namespace
+
+void RegisterWorkerBenchmarks() {
+    for (auto size : {std::pair<int, int>{1, 10}, std::pair<int, int>{1, 100}, std::pair<int, int>{6, 100}}) {
+        const std::string name =
+            "Worker/Wake/players:" + std::to_string(size.first) + "/gestures:" + std::to_string(size.second);
+        benchmark::RegisterBenchmark(name.c_str(), WorkerWake, size.first, size.second)
+            ->Iterations(kFrames)
+            ->UseManualTime()
+            ->Unit(benchmark::kMicrosecond);
+    }
+}
+
+}  // namespace PelmoraBench

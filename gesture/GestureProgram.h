@@ -1,0 +1,158 @@
+// GestureProgram - a player's gestures laid out for checking: every
+// qualification of every gesture as a small record in one array, in gesture,
+// segment and qualification order, with the storage of its two numbers, its
+// comparison and its flags copied in. A pass over hundreds of gestures then
+// walks a few contiguous arrays instead of chasing gesture, segment and
+// qualification objects across the heap. Checking gives exactly what
+// Gesture::DoCheck gives.
+//
+// The gesture objects stay the definition. Any change to them (a segment or
+// qualification added, a qualification set, its flags changed, a table
+// filled or cleared) moves the process-wide gesture epoch, and a table
+// rebuilds its program when asked for it under a newer epoch.
+// Thread-safety: none; built and used by the thread that updates the player.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "gesture/Qualification.h"
+
+namespace PelmoraLib {
+
+class Gesture;
+
+namespace GestureEpoch {
+// Called by everything that changes a gesture's definition.
+void Advance();
+uint64_t Current();
+}  // namespace GestureEpoch
+
+class GestureProgram {
+    struct Step;
+    struct Entry;
+
+public:
+    void Build(const std::vector<Gesture*>& gestures);
+
+    // The program's arrays for one pass: a local copy of their addresses
+    // lets the compiler keep them in registers while records are written.
+    class View {
+    public:
+        size_t GestureCount() const { return m_Count; }
+        uint64_t SegmentCount(size_t gesture) const { return m_Gestures[gesture].segmentCount; }
+
+        // Gesture::DoCheck of the gesture at `gesture` (< GestureCount()).
+        Qualification::Result Check(size_t gesture, size_t segmentIndex) const {
+            const Entry& entry = m_Gestures[gesture];
+            if (segmentIndex >= entry.laidOut) return Fallback(m_Objects[gesture], segmentIndex);
+            const size_t segment = entry.firstSegment + segmentIndex;
+            const Step* step = m_Steps + m_SegmentStart[segment];
+            const Step* end = m_Steps + m_SegmentStart[segment + 1];
+            for (; step != end; ++step) {
+                const Qualification::Result result = step->Evaluate();
+                if (result != Qualification::Succeed) return result;
+            }
+            return Qualification::Succeed;
+        }
+
+    private:
+        friend class GestureProgram;
+        const Entry* m_Gestures = nullptr;
+        Gesture* const* m_Objects = nullptr;
+        const uint32_t* m_SegmentStart = nullptr;
+        const Step* m_Steps = nullptr;
+        size_t m_Count = 0;
+    };
+
+    View GetView() const {
+        View view;
+        view.m_Gestures = m_Gestures.data();
+        view.m_Objects = m_Objects.data();
+        view.m_SegmentStart = m_SegmentStart.data();
+        view.m_Steps = m_Steps.data();
+        view.m_Count = m_Gestures.size();
+        return view;
+    }
+
+private:
+    // One qualification. Resolved ones carry everything a check reads, with
+    // Less and ELess turned into Greate and EGreate of the swapped operands
+    // and NoEqual into a negated Equal, so that a check is one of three
+    // tests on one of four operand forms; the others (operands reached
+    // through the values) point back to their qualification.
+    enum Operation : uint8_t {
+        kGeneral = 0,
+        kFloatAbove, kFloatAboveOrEqual, kFloatEqual,
+        kIntAbove, kIntAboveOrEqual, kIntEqual,
+        kIntFloatAbove, kIntFloatAboveOrEqual, kIntFloatEqual,
+        kFloatIntAbove, kFloatIntAboveOrEqual, kFloatIntEqual
+    };
+
+    struct Step {
+        const void* left;   // kGeneral: the Qualification
+        const void* right;
+        uint8_t operation;
+        // The result when the test holds and when it does not: a negated
+        // kind swaps them, a qualification that finishes has Succeed_Finish
+        // in both, and a failing one has Failed or Reset.
+        uint8_t onTrue;
+        uint8_t onFalse;
+
+        static float F(const void* storage) { return *static_cast<const float*>(storage); }
+        static int32_t I(const void* storage) { return *static_cast<const int32_t*>(storage); }
+        static float IF(const void* storage) { return static_cast<float>(I(storage)); }
+
+        Qualification::Result Evaluate() const {
+            bool holds;
+            // The commonest tests (after the swap every "less" is an "above")
+            // by direct branches, which predict better than the table.
+            if (operation == kFloatAbove) {
+                holds = F(left) > F(right);
+            } else if (operation == kIntAbove) {
+                holds = I(left) > I(right);
+            } else if (operation == kFloatAboveOrEqual) {
+                holds = F(left) >= F(right);
+            } else if (operation == kIntAboveOrEqual) {
+                holds = I(left) >= I(right);
+            } else {
+                switch (operation) {
+                case kFloatAbove: holds = F(left) > F(right); break;
+                case kFloatAboveOrEqual: holds = F(left) >= F(right); break;
+                case kFloatEqual: holds = F(left) == F(right); break;
+                case kIntAbove: holds = I(left) > I(right); break;
+                case kIntAboveOrEqual: holds = I(left) >= I(right); break;
+                case kIntEqual: holds = I(left) == I(right); break;
+                case kIntFloatAbove: holds = IF(left) > F(right); break;
+                case kIntFloatAboveOrEqual: holds = IF(left) >= F(right); break;
+                case kIntFloatEqual: holds = IF(left) == F(right); break;
+                case kFloatIntAbove: holds = F(left) > IF(right); break;
+                case kFloatIntAboveOrEqual: holds = F(left) >= IF(right); break;
+                case kFloatIntEqual: holds = F(left) == IF(right); break;
+                default: return static_cast<Qualification*>(const_cast<void*>(left))->Check();
+                }
+            }
+            return static_cast<Qualification::Result>(holds ? onTrue : onFalse);
+        }
+    };
+
+    // A gesture whose first segment is kIndirect lacks a segment or a
+    // qualification object: it is checked through its objects.
+    static const uint32_t kIndirect = 0xFFFFFFFFu;
+    struct Entry {
+        uint32_t firstSegment;
+        uint32_t segmentCount;
+        uint32_t laidOut;  // segments in the program: segmentCount, or 0 when kIndirect
+    };
+
+    static Step StepOf(Qualification& qualification);
+    static Qualification::Result Fallback(const Gesture* gesture, size_t segmentIndex);
+
+    std::vector<Entry> m_Gestures;
+    std::vector<Gesture*> m_Objects;
+    std::vector<uint32_t> m_SegmentStart;  // first step of each segment, and one past the last
+    std::vector<Step> m_Steps;
+};
+
+}  // namespace PelmoraLib

@@ -1,0 +1,254 @@
+// A steady-state frame allocates nothing on any thread, in either mode: the
+// host's calls, the worker's pass, the processing, the checks and the result
+// records all reuse what loading, compiling and the first frames set up.
+// Counted at the malloc level, so allocations inside the library and the C++
+// runtime count as well as operator new.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <thread>
+#include <vector>
+
+#include "pelmora.h"
+#include "support/AllocationCounter.h"
+#include "support/Printed.h"
+
+using namespace PelmoraTest;
+
+namespace {
+
+// Derived values of every function shape (vector and component operands,
+// one and two operands, a block that runs only on full updates) and gestures
+// that advance, finish, finish early and reset within one motion cycle.
+const char* const kDocument = R"(<AppConfig>
+  <IdentfyValues>
+    <Value type="vector3" name="HandOffset"/>
+    <Value type="float" name="HandHeight">0</Value>
+    <Value type="float" name="HandDistance">0</Value>
+    <Value type="vector3" name="ShoulderLine"/>
+    <Value type="float" name="ShoulderWidth">0</Value>
+    <Value type="float" name="HandReach">0</Value>
+    <Value type="float" name="ArmAngle">0</Value>
+    <Value type="vector3" name="HandDirection"/>
+    <Value type="vector3" name="Normal"/>
+    <Value type="float" name="Facing">0</Value>
+    <Value type="float" name="FacingAbs">0</Value>
+    <Value type="int" name="Frames">0</Value>
+    <Value type="int" name="Base">3</Value>
+  </IdentfyValues>
+  <Processing update="1">
+    <Function name="SUB" return="@HandOffset" value1="@P_RightHand" value2="@P_Head"/>
+    <Function name="SUB" return="@HandHeight" value1="@P_RightHand.y" value2="@P_Head.y"/>
+    <Function name="DISTANCE" return="@HandDistance" value1="@P_RightHand" value2="@P_LeftHand"/>
+    <Function name="SUB" return="@ShoulderLine" value1="@P_RightShoulder" value2="@P_LeftShoulder"/>
+    <Function name="LENGTH" return="@ShoulderWidth" value1="@ShoulderLine"/>
+    <Function name="DIV" return="@HandReach" value1="@HandDistance" value2="@ShoulderWidth"/>
+    <Function name="ANGLE" return="@ArmAngle" value1="@HandOffset" value2="@ShoulderLine"/>
+    <Function name="NORMALIZE" return="@HandDirection" value1="@HandOffset"/>
+    <Function name="CROSS" return="@Normal" value1="@ShoulderLine" value2="@HandDirection"/>
+    <Function name="DOT" return="@Facing" value1="@Normal" value2="@HandOffset"/>
+    <Function name="ABS" return="@FacingAbs" value1="@Facing"/>
+    <Function name="ADD" return="@Frames" value1="@Frames" value2="1"/>
+  </Processing>
+  <Processing update="0">
+    <Function name="SET" return="@Base" value1="4"/>
+  </Processing>
+  <Gesture name="RaiseAndLower">
+    <Segment>
+      <Qualification QualificationEnum="Less" value1="@SegmentTime" value2="2000" IsResetOnFailed="1"/>
+      <Qualification QualificationEnum="Less" value1="@HandHeight" value2="-0.3"/>
+    </Segment>
+    <Segment>
+      <Qualification QualificationEnum="Greate" value1="@P_RightHand.y" value2="@P_Head.y"/>
+    </Segment>
+    <Segment>
+      <Qualification QualificationEnum="ELess" value1="@HandHeight" value2="-0.2"/>
+      <Qualification QualificationEnum="Less" value1="@GestureTime" value2="3000" IsResetOnFailed="1"/>
+    </Segment>
+  </Gesture>
+  <Gesture name="Clap">
+    <Segment>
+      <Qualification QualificationEnum="Greate" value1="@HandReach" value2="1.5"/>
+    </Segment>
+    <Segment>
+      <Qualification QualificationEnum="Less" value1="@HandDistance" value2="0.2"/>
+      <Qualification QualificationEnum="NoEqual" value1="@Frames" value2="@Base"/>
+    </Segment>
+  </Gesture>
+  <Gesture name="QuickReach">
+    <Segment>
+      <Qualification QualificationEnum="Greate" value1="@HandHeight" value2="0.0"/>
+      <Qualification QualificationEnum="EGreate" value1="@FacingAbs" value2="0" IsFinishOnSucceed="1"/>
+    </Segment>
+    <Segment>
+      <Qualification QualificationEnum="Equal" value1="@Base" value2="5"/>
+    </Segment>
+  </Gesture>
+  <Gesture name="TooSlow">
+    <Segment>
+      <Qualification QualificationEnum="Less" value1="@HandHeight" value2="-0.3"/>
+    </Segment>
+    <Segment>
+      <Qualification QualificationEnum="Less" value1="@SegmentTime" value2="100" IsResetOnFailed="1"/>
+      <Qualification QualificationEnum="Greate" value1="@P_RightHand.y" value2="@P_Head.y"/>
+    </Segment>
+  </Gesture>
+</AppConfig>)";
+
+const int kCycle = 30;
+const int kPlayers = 2;
+const uint32_t kFrameMs = 33;
+
+int32_t g_Joints[] = {PELMORA_JOINT_HEAD, PELMORA_JOINT_LEFT_SHOULDER, PELMORA_JOINT_RIGHT_SHOULDER,
+                      PELMORA_JOINT_LEFT_HAND, PELMORA_JOINT_RIGHT_HAND};
+const int kJoints = 5;
+
+// Advanced by the host, read by whichever thread evaluates.
+class FrameClock {
+public:
+    FrameClock() { SetTimeSource(&FrameClock::Read, this); }
+    ~FrameClock() { SetTimeSource(nullptr, nullptr); }
+    void Advance() { m_Now.fetch_add(kFrameMs); }
+
+private:
+    static uint32_t Read(void* self) { return static_cast<FrameClock*>(self)->m_Now.load(); }
+    std::atomic<uint32_t> m_Now{1000};
+};
+
+// The right hand rises over the head and comes down; the left hand meets it
+// twice per cycle.
+std::vector<Point3> Motion() {
+    std::vector<Point3> frames;
+    for (int f = 0; f < kCycle; ++f) {
+        const float phase = 6.2831853f * static_cast<float>(f) / kCycle;
+        const float raise = 0.5f - 0.5f * std::cos(phase);
+        const float clap = 0.5f - 0.5f * std::cos(2.0f * phase);
+        const Point3 right{0.3f, -0.1f + raise, 2.3f};
+        frames.push_back(Point3{0.0f, 0.7f, 2.5f});   // head
+        frames.push_back(Point3{-0.2f, 0.5f, 2.5f});  // left shoulder
+        frames.push_back(Point3{0.2f, 0.5f, 2.5f});   // right shoulder
+        frames.push_back(Point3{right.x - 0.05f - 0.6f * clap, right.y, right.z});
+        frames.push_back(right);
+    }
+    return frames;
+}
+
+class SteadyStateAllocation : public testing::Test {
+protected:
+    void TearDown() override { Printed([] { ClosePelmora(); }); }
+
+    void Start(bool worker) {
+        SetDebugInfo(false);
+        Printed([&] {
+            GestureConfigParam param{worker ? 1 : 0, PELMORA_RETURN_INFO_24, kPlayers, kJoints, g_Joints, 3,
+                                     PELMORA_VELOCITY_HALVING, 1, 0};
+            InitPelmora(&param);
+            ASSERT_TRUE(LoadConfigData(kDocument));
+            ASSERT_TRUE(StartGestureWork());
+        });
+        m_Gestures = static_cast<uint32_t>(GetGestureNum(0));
+        ASSERT_EQ(m_Gestures, 4u);
+        m_Results.resize(m_Gestures);
+        for (int p = 0; p < kPlayers; ++p) {
+            if (worker) {
+                SetPlayer(p, true);
+                for (uint32_t g = 0; g < m_Gestures; ++g) SetPlayerGesture(p, g, true);
+            } else {
+                SetPlayerImmediate(p, true);
+                for (uint32_t g = 0; g < m_Gestures; ++g) SetPlayerGestureImmediate(p, g, true);
+            }
+        }
+    }
+
+    const Point3* Frame(int player) {
+        return m_Motion.data() + static_cast<size_t>((m_Frame + player * 7) % kCycle) * kJoints;
+    }
+
+    // One frame for every player; tallies what the records show.
+    void Immediate() {
+        m_Clock.Advance();
+        for (int p = 0; p < kPlayers; ++p) {
+            uint32_t count = 0;
+            if (UpdateSketonDataImmediate(p, Frame(p), kJoints, m_Results.data(), &count)) Tally(count);
+        }
+        ++m_Frame;
+    }
+
+    // One frame for every player and one worker pass, waited for. While
+    // the velocity history fills a pass has no results: those frames wait a
+    // little and go on.
+    bool Worker(std::chrono::milliseconds patience = std::chrono::seconds(5)) {
+        m_Clock.Advance();
+        for (int p = 0; p < kPlayers; ++p) UpdateSketonData(p, Frame(p), kJoints);
+        OnIdle();
+        ++m_Frame;
+        uint32_t count = 0;
+        const auto deadline = std::chrono::steady_clock::now() + patience;
+        while (!GetPlayerGestureState(kPlayers - 1, m_Results.data(), &count)) {
+            if (std::chrono::steady_clock::now() > deadline) return false;
+            std::this_thread::yield();
+        }
+        Tally(count);
+        for (int p = 0; p + 1 < kPlayers; ++p) {
+            if (GetPlayerGestureState(p, m_Results.data(), &count)) Tally(count);
+        }
+        return true;
+    }
+
+    void Tally(uint32_t count) {
+        m_Records += count;
+        for (uint32_t r = 0; r < count; ++r) {
+            const PelmoraResult24& record = m_Results[r];
+            m_Finished += record.finished != 0;
+            m_Advanced += record.succeeded && !record.finished;
+            m_Waiting += !record.succeeded && record.segmentIndex > 0;
+        }
+    }
+
+    void ResetTally() { m_Records = m_Finished = m_Advanced = m_Waiting = 0; }
+
+    FrameClock m_Clock;
+    std::vector<Point3> m_Motion = Motion();
+    std::vector<PelmoraResult24> m_Results;
+    uint32_t m_Gestures = 0;
+    int m_Frame = 0;
+    uint64_t m_Records = 0, m_Finished = 0, m_Advanced = 0, m_Waiting = 0;
+};
+
+}  // namespace
+
+TEST_F(SteadyStateAllocation, ImmediateFramesAllocateNothing) {
+    Start(false);
+    for (int f = 0; f < 2 * kCycle; ++f) Immediate();
+    ResetTally();
+    {
+        AllocationCounter counter;
+        for (int f = 0; f < 3 * kCycle; ++f) Immediate();
+        EXPECT_EQ(counter.Count(), 0u);
+    }
+    // The measured frames did the whole job: every gesture of every player
+    // every frame, with progress, finishes and waits in later segments.
+    EXPECT_EQ(m_Records, static_cast<uint64_t>(3 * kCycle * kPlayers) * m_Gestures);
+    EXPECT_GT(m_Finished, 0u);
+    EXPECT_GT(m_Advanced, 0u);
+    EXPECT_GT(m_Waiting, 0u);
+}
+
+TEST_F(SteadyStateAllocation, WorkerFramesAllocateNothing) {
+    Start(true);
+    int answered = 0;
+    for (int f = 0; f < 2 * kCycle; ++f) answered += Worker(std::chrono::milliseconds(200));
+    ASSERT_GT(answered, kCycle);
+    ResetTally();
+    {
+        AllocationCounter counter;
+        for (int f = 0; f < 3 * kCycle; ++f) ASSERT_TRUE(Worker());
+        EXPECT_EQ(counter.Count(), 0u);
+    }
+    EXPECT_EQ(m_Records, static_cast<uint64_t>(3 * kCycle * kPlayers) * m_Gestures);
+    EXPECT_GT(m_Finished, 0u);
+    EXPECT_GT(m_Advanced, 0u);
+    EXPECT_GT(m_Waiting, 0u);
+}
