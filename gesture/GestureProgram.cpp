@@ -1,6 +1,8 @@
 #include "gesture/GestureProgram.h"
 
+#include <algorithm>
 #include <atomic>
+#include <functional>
 #include <utility>
 
 #include "gesture/Gesture.h"
@@ -19,8 +21,8 @@ uint64_t Current() { return g_Epoch.load(std::memory_order_relaxed); }
 
 }  // namespace GestureEpoch
 
-GestureProgram::Step GestureProgram::StepOf(Qualification& qualification) {
-    Step step{};
+GestureProgram::WideStep GestureProgram::StepOf(Qualification& qualification) {
+    WideStep step{};
     if (qualification.m_Operands == Qualification::kGeneral) {
         step.operation = kGeneral;
         step.left = &qualification;
@@ -54,9 +56,63 @@ GestureProgram::Step GestureProgram::StepOf(Qualification& qualification) {
     return step;
 }
 
+bool GestureProgram::IsComplete(const Gesture* gesture) {
+    if (!gesture) return false;
+    for (uint64_t s = 0; s < gesture->GetSegmentSize(); ++s) {
+        const Segment* segment = gesture->GetSegment(static_cast<size_t>(s));
+        if (!segment) return false;
+        for (size_t q = 0; q < segment->GetQualificationNum(); ++q)
+            if (!segment->GetQualification(q)) return false;
+    }
+    return true;
+}
+
+void GestureProgram::CollectOperands(const std::vector<Gesture*>& gestures) {
+    m_Operands.clear();
+    for (const Gesture* gesture : gestures) {
+        if (!IsComplete(gesture)) continue;
+        for (uint64_t s = 0; s < gesture->GetSegmentSize(); ++s) {
+            const Segment* segment = gesture->GetSegment(static_cast<size_t>(s));
+            for (size_t q = 0; q < segment->GetQualificationNum(); ++q) {
+                const WideStep step = StepOf(*segment->GetQualification(q));
+                m_Operands.push_back(step.left);
+                m_Operands.push_back(step.right);
+            }
+        }
+    }
+    std::sort(m_Operands.begin(), m_Operands.end(), std::less<const void*>());
+    m_Operands.erase(std::unique(m_Operands.begin(), m_Operands.end()), m_Operands.end());
+}
+
+uint32_t GestureProgram::PlaceOf(const void* operand) const {
+    const auto found = std::lower_bound(m_Operands.begin(), m_Operands.end(), operand, std::less<const void*>());
+    return static_cast<uint32_t>(found - m_Operands.begin());
+}
+
+bool GestureProgram::LayOut(const Gesture& gesture) {
+    const size_t segments = m_SegmentStart.size(), steps = m_Steps.size();
+    for (uint64_t s = 0; s < gesture.GetSegmentSize(); ++s) {
+        const Segment* segment = gesture.GetSegment(static_cast<size_t>(s));
+        m_SegmentStart.push_back(static_cast<uint32_t>(m_Steps.size()));
+        for (size_t q = 0; q < segment->GetQualificationNum(); ++q) {
+            const WideStep wide = StepOf(*segment->GetQualification(q));
+            const uint32_t left = PlaceOf(wide.left), right = PlaceOf(wide.right);
+            if (left >= kMaxOperands || right >= kMaxOperands) {
+                m_SegmentStart.resize(segments);
+                m_Steps.resize(steps);
+                return false;
+            }
+            m_Steps.push_back(Step{static_cast<uint16_t>(left), static_cast<uint16_t>(right), wide.operation,
+                                   wide.onTrue, wide.onFalse});
+        }
+    }
+    return true;
+}
+
 // Rebuilt into the same arrays: once they have grown to a table's size,
 // rebuilding allocates nothing.
 void GestureProgram::Build(const std::vector<Gesture*>& gestures) {
+    CollectOperands(gestures);
     m_Gestures.clear();
     m_Objects.clear();
     m_SegmentStart.clear();
@@ -64,23 +120,11 @@ void GestureProgram::Build(const std::vector<Gesture*>& gestures) {
     for (Gesture* gesture : gestures) {
         m_Objects.push_back(gesture);
         const uint64_t segments = gesture ? gesture->GetSegmentSize() : 0;
-        bool complete = gesture != nullptr;
-        for (uint64_t s = 0; complete && s < segments; ++s) {
-            const Segment* segment = gesture->GetSegment(static_cast<size_t>(s));
-            complete = segment != nullptr;
-            for (size_t q = 0; complete && q < segment->GetQualificationNum(); ++q)
-                complete = segment->GetQualification(q) != nullptr;
-        }
         Entry entry{kIndirect, static_cast<uint32_t>(segments), 0};
-        if (complete) {
-            entry.firstSegment = static_cast<uint32_t>(m_SegmentStart.size());
+        const uint32_t firstSegment = static_cast<uint32_t>(m_SegmentStart.size());
+        if (IsComplete(gesture) && LayOut(*gesture)) {
+            entry.firstSegment = firstSegment;
             entry.laidOut = entry.segmentCount;
-            for (uint64_t s = 0; s < segments; ++s) {
-                const Segment* segment = gesture->GetSegment(static_cast<size_t>(s));
-                m_SegmentStart.push_back(static_cast<uint32_t>(m_Steps.size()));
-                for (size_t q = 0; q < segment->GetQualificationNum(); ++q)
-                    m_Steps.push_back(StepOf(*segment->GetQualification(q)));
-            }
         }
         m_Gestures.push_back(entry);
     }
