@@ -12,22 +12,21 @@ using TimeSourceFn = uint32_t (*)(void*);
 std::atomic<TimeSourceFn> g_Source{nullptr};
 std::atomic<void*> g_User{nullptr};
 
-uint32_t SteadyMs() {
-    using namespace std::chrono;
-    static const steady_clock::time_point start = steady_clock::now();
-    // Start above 0: a zero pass time means "no pass yet" to the meter.
-    return static_cast<uint32_t>(duration_cast<milliseconds>(steady_clock::now() - start).count()) + 1u;
-}
-
 }  // namespace
 
 namespace PelmoraLib {
 namespace Clock {
 
-uint32_t NowMs() {
-    const TimeSourceFn source = g_Source.load(std::memory_order_acquire);
-    if (!source) return SteadyMs();
-    return source(g_User.load(std::memory_order_relaxed));
+uint32_t NowMs() { return Reader().Now(); }
+
+Reader::Reader()
+    : m_Source(g_Source.load(std::memory_order_acquire)), m_User(g_User.load(std::memory_order_relaxed)) {}
+
+uint32_t Reader::SteadyMs() {
+    using namespace std::chrono;
+    static const steady_clock::time_point start = steady_clock::now();
+    // Start above 0: a zero pass time means "no pass yet" to the meter.
+    return static_cast<uint32_t>(duration_cast<milliseconds>(steady_clock::now() - start).count()) + 1u;
 }
 
 }  // namespace Clock

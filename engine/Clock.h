@@ -13,5 +13,19 @@ namespace Clock {
 
 uint32_t NowMs();
 
+// The source NowMs would use, taken once, for a loop that reads the clock
+// for every gesture: each Now() is still a reading of its own.
+class Reader {
+public:
+    Reader();
+    uint32_t Now() const { return m_Source ? m_Source(m_User) : SteadyMs(); }
+
+private:
+    static uint32_t SteadyMs();
+
+    uint32_t (*m_Source)(void*);
+    void* m_User;
+};
+
 }  // namespace Clock
 }  // namespace PelmoraLib

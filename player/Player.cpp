@@ -124,11 +124,13 @@ bool CheckGestures(std::vector<PlayerGestureInfo>& infos, const GestureProgram::
                    int32_t* gestureTimeSlot, int32_t* segmentTimeSlot, char* cursor, uint64_t& records) {
     bool anyFinished = false;
     uint64_t written = 0;
+    const Clock::Reader clock;
     for (PlayerGestureInfo& info : infos) {
+        // The invalid index is beyond every table's gesture count.
         const size_t index = static_cast<size_t>(info.m_GestureIndex);
-        if (!info.m_IsActive || index == GestureTable::kInvalidIndex || index >= program.GestureCount()) continue;
+        if (!info.m_IsActive || index >= program.GestureCount()) continue;
         // MeasureTimes with both values present.
-        const uint32_t now = Clock::NowMs();
+        const uint32_t now = clock.Now();
         info.m_SegmentTime = now - info.m_SegmentStart;
         info.m_GestureTime = now - info.m_GestureStart;
         *segmentTimeSlot = static_cast<int32_t>(info.m_SegmentTime);
