@@ -572,7 +572,7 @@ bool Player::UpdateGestureInfo() {
     slot.m_Count = records;
     m_ResultBuffer.Commit();
     ScopedLock lock(m_PlayerLock);
-    m_HasNewData = true;
+    m_HasNewData.store(true, std::memory_order_release);
     return anyFinished;
 }
 
@@ -596,11 +596,12 @@ bool Player::PassTimeSlots(int32_t*& gestureTimeSlot, int32_t*& segmentTimeSlot)
     return true;
 }
 
+// A poll that finds nothing new only reads the flag: it leaves the flag's
+// cache line shared with the worker instead of taking it over for the lock.
 bool Player::CheckHasNewData() {
+    if (!m_HasNewData.load(std::memory_order_acquire)) return false;
     ScopedLock lock(m_PlayerLock);
-    const bool hasNewData = m_HasNewData;
-    m_HasNewData = false;
-    return hasNewData;
+    return m_HasNewData.exchange(false, std::memory_order_acq_rel);
 }
 
 }  // namespace PelmoraLib

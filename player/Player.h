@@ -12,6 +12,7 @@
 // are set by InitSkeleton before any player exists.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -132,7 +133,10 @@ private:
     MulBuffer<ReturnGestureInfoBuffer> m_ResultBuffer;
     uint64_t m_ReturnInfoSize = 0;
     RecordBuilder m_BuildRecord = nullptr;
-    bool m_HasNewData = false;
+    // Set by the pass that publishes a result set, cleared by the host call
+    // that takes it; atomic so that a host polling between frames can look
+    // without taking the lock.
+    std::atomic<bool> m_HasNewData{false};
     CriticalSection m_PlayerLock;
     // The value pool found by this pass's processing step; null when it
     // found none.
