@@ -344,15 +344,20 @@ void Player::DeriveVelocities(uint64_t previousEntry) {
     }
 }
 
+// Entry by entry rather than joint by joint: each sum still adds the entries
+// in history order to zero, so the floats come out the same, and the inner
+// loop runs over contiguous joints.
 void Player::CalcSkeletonVelocity() {
-    for (size_t j = 0; j < m_VelocitySums.size(); ++j) {
-        Point3 sum{0.0f, 0.0f, 0.0f};
-        for (const std::vector<Point3>& velocities : m_VelocityHistory) {
-            sum.x += velocities[j].x;
-            sum.y += velocities[j].y;
-            sum.z += velocities[j].z;
+    std::fill(m_VelocitySums.begin(), m_VelocitySums.end(), Point3{0.0f, 0.0f, 0.0f});
+    for (const std::vector<Point3>& velocities : m_VelocityHistory) {
+        const size_t joints = std::min(m_VelocitySums.size(), velocities.size());
+        Point3* sums = m_VelocitySums.data();
+        const Point3* entry = velocities.data();
+        for (size_t j = 0; j < joints; ++j) {
+            sums[j].x += entry[j].x;
+            sums[j].y += entry[j].y;
+            sums[j].z += entry[j].z;
         }
-        m_VelocitySums[j] = sum;
     }
     if (!m_IsGetVelocityData) return;
     m_VelocityOutput.WriteSlot() = m_VelocitySums;
