@@ -89,46 +89,64 @@ uint32_t GestureProgram::PlaceOf(const void* operand) const {
     return static_cast<uint32_t>(found - m_Operands.begin());
 }
 
-bool GestureProgram::LayOut(const Gesture& gesture) {
-    const size_t segments = m_SegmentStart.size(), steps = m_Steps.size();
+bool GestureProgram::Fits(const Gesture& gesture) const {
     for (uint64_t s = 0; s < gesture.GetSegmentSize(); ++s) {
         const Segment* segment = gesture.GetSegment(static_cast<size_t>(s));
-        m_SegmentStart.push_back(static_cast<uint32_t>(m_Steps.size()));
+        if (segment->GetQualificationNum() > kMaxCount) return false;
         for (size_t q = 0; q < segment->GetQualificationNum(); ++q) {
             const WideStep wide = StepOf(*segment->GetQualification(q));
-            const uint32_t left = PlaceOf(wide.left), right = PlaceOf(wide.right);
-            if (left >= kMaxOperands || right >= kMaxOperands) {
-                m_SegmentStart.resize(segments);
-                m_Steps.resize(steps);
-                return false;
-            }
-            m_Steps.push_back(Step{static_cast<uint16_t>(left), static_cast<uint16_t>(right), wide.operation,
-                                   wide.onTrue, wide.onFalse});
+            if (PlaceOf(wide.left) >= kMaxOperands || PlaceOf(wide.right) >= kMaxOperands) return false;
+        }
+    }
+    return true;
+}
+
+bool GestureProgram::LayOutSegments(const std::vector<Gesture*>& gestures, uint64_t depth) {
+    for (size_t g = 0; g < gestures.size(); ++g) {
+        const Entry& entry = m_Gestures[g];
+        if (depth >= entry.laidOut) continue;
+        const Segment* segment = gestures[g]->GetSegment(static_cast<size_t>(depth));
+        const size_t count = segment->GetQualificationNum();
+        if (m_Steps.size() + count >= kMaxSteps) return false;
+        m_Segments[entry.firstSegment + depth] = static_cast<uint32_t>(m_Steps.size() << kCountBits | count);
+        for (size_t q = 0; q < count; ++q) {
+            const WideStep wide = StepOf(*segment->GetQualification(q));
+            m_Steps.push_back(Step{static_cast<uint16_t>(PlaceOf(wide.left)), static_cast<uint16_t>(PlaceOf(wide.right)),
+                                   wide.operation, wide.onTrue, wide.onFalse});
         }
     }
     return true;
 }
 
 // Rebuilt into the same arrays: once they have grown to a table's size,
-// rebuilding allocates nothing.
+// rebuilding allocates nothing. Should the steps not fit one word's places
+// (millions of them), every gesture is left to its objects.
 void GestureProgram::Build(const std::vector<Gesture*>& gestures) {
     CollectOperands(gestures);
     m_Gestures.clear();
     m_Objects.clear();
-    m_SegmentStart.clear();
+    m_Segments.clear();
     m_Steps.clear();
+    uint64_t deepest = 0;
     for (Gesture* gesture : gestures) {
         m_Objects.push_back(gesture);
         const uint64_t segments = gesture ? gesture->GetSegmentSize() : 0;
         Entry entry{kIndirect, static_cast<uint32_t>(segments), 0};
-        const uint32_t firstSegment = static_cast<uint32_t>(m_SegmentStart.size());
-        if (IsComplete(gesture) && LayOut(*gesture)) {
-            entry.firstSegment = firstSegment;
+        if (IsComplete(gesture) && Fits(*gesture)) {
+            entry.firstSegment = static_cast<uint32_t>(m_Segments.size());
             entry.laidOut = entry.segmentCount;
+            m_Segments.resize(m_Segments.size() + segments);
+            deepest = std::max(deepest, segments);
         }
         m_Gestures.push_back(entry);
     }
-    m_SegmentStart.push_back(static_cast<uint32_t>(m_Steps.size()));
+    for (uint64_t depth = 0; depth < deepest; ++depth) {
+        if (LayOutSegments(gestures, depth)) continue;
+        for (Entry& entry : m_Gestures) entry = Entry{kIndirect, entry.segmentCount, 0};
+        m_Segments.clear();
+        m_Steps.clear();
+        return;
+    }
 }
 
 Qualification::Result GestureProgram::Fallback(const Gesture* gesture, size_t segmentIndex) {

@@ -1,7 +1,7 @@
 // GestureProgram - a player's gestures laid out for checking: every
-// qualification of every gesture as a small record in one array, in gesture,
-// segment and qualification order, with the storage of its two numbers, its
-// comparison and its flags copied in. A pass over hundreds of gestures then
+// qualification of every gesture as a small record in one array, ordered by
+// segment depth, then gesture, then qualification, with where its two
+// numbers are stored, its comparison and its flags copied in. A pass over hundreds of gestures then
 // walks a few contiguous arrays instead of chasing gesture, segment and
 // qualification objects across the heap. Checking gives exactly what
 // Gesture::DoCheck gives.
@@ -47,9 +47,9 @@ public:
         Qualification::Result Check(size_t gesture, size_t segmentIndex) const {
             const Entry& entry = m_Gestures[gesture];
             if (segmentIndex >= entry.laidOut) return Fallback(m_Objects[gesture], segmentIndex);
-            const size_t segment = entry.firstSegment + segmentIndex;
-            const Step* step = m_Steps + m_SegmentStart[segment];
-            const Step* end = m_Steps + m_SegmentStart[segment + 1];
+            const uint32_t range = m_Segments[entry.firstSegment + segmentIndex];
+            const Step* step = m_Steps + (range >> kCountBits);
+            const Step* end = step + (range & kMaxCount);
             for (; step != end; ++step) {
                 const Qualification::Result result = step->Evaluate(m_Operands);
                 if (result != Qualification::Succeed) return result;
@@ -61,7 +61,7 @@ public:
         friend class GestureProgram;
         const Entry* m_Gestures = nullptr;
         Gesture* const* m_Objects = nullptr;
-        const uint32_t* m_SegmentStart = nullptr;
+        const uint32_t* m_Segments = nullptr;
         const Step* m_Steps = nullptr;
         const void* const* m_Operands = nullptr;
         size_t m_Count = 0;
@@ -71,7 +71,7 @@ public:
         View view;
         view.m_Gestures = m_Gestures.data();
         view.m_Objects = m_Objects.data();
-        view.m_SegmentStart = m_SegmentStart.data();
+        view.m_Segments = m_Segments.data();
         view.m_Steps = m_Steps.data();
         view.m_Operands = m_Operands.data();
         view.m_Count = m_Gestures.size();
@@ -166,18 +166,32 @@ private:
         uint32_t laidOut;  // segments in the program: segmentCount, or 0 when kIndirect
     };
 
+    // Steps are laid out segment by segment: the first segments of all
+    // gestures, then all second segments, and so on. Most gestures wait in
+    // the same segment (the first, until they start), so the steps a pass
+    // visits lie side by side. A segment is found by one word: its first
+    // step above kCountBits bits of its step count. A gesture with a segment
+    // of more steps, or beyond the steps one word can place, is left to its
+    // objects.
+    static const unsigned kCountBits = 8;
+    static const uint32_t kMaxCount = (1u << kCountBits) - 1;
+    static const uint64_t kMaxSteps = uint64_t{1} << (32 - kCountBits);
+
     static WideStep StepOf(Qualification& qualification);
     static bool IsComplete(const Gesture* gesture);
     void CollectOperands(const std::vector<Gesture*>& gestures);
-    // Appends the gesture's steps; false, appending nothing, when one of its
-    // operands has no sixteen-bit place.
-    bool LayOut(const Gesture& gesture);
     uint32_t PlaceOf(const void* operand) const;
+    // Whether the (complete) gesture can be laid out: every operand has a
+    // sixteen-bit place and no segment has more than kMaxCount steps.
+    bool Fits(const Gesture& gesture) const;
+    // Appends the steps of segment `depth` of every laid-out gesture that has
+    // one; false when the steps would go beyond kMaxSteps.
+    bool LayOutSegments(const std::vector<Gesture*>& gestures, uint64_t depth);
     static Qualification::Result Fallback(const Gesture* gesture, size_t segmentIndex);
 
     std::vector<Entry> m_Gestures;
     std::vector<Gesture*> m_Objects;
-    std::vector<uint32_t> m_SegmentStart;  // first step of each segment, and one past the last
+    std::vector<uint32_t> m_Segments;  // each laid-out gesture's segments in a row
     std::vector<Step> m_Steps;
     std::vector<const void*> m_Operands;  // sorted, distinct
 };

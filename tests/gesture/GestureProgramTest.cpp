@@ -100,6 +100,20 @@ TEST(GestureProgram, AgreesWithTheGestureObjects) {
         }
         gestures.list.push_back(gesture);
     }
+    // A segment of more steps than the layout counts is checked through its
+    // objects: 299 that hold, then one that decides.
+    Gesture* longest = new Gesture("Long");
+    Segment* segment = new Segment;
+    for (int q = 0; q < 299; ++q) {
+        BaseValue::SubType sub;
+        BaseValue* one = values.pool.GetValueFromString("1", sub, false);
+        Q* holds = new Q;
+        ASSERT_TRUE(holds->SetQualification(Q::Equal, one, sub, one, sub));
+        segment->AddQualification(holds);
+    }
+    segment->AddQualification(values.MakeQualification(random));
+    longest->AddSegment(segment);
+    gestures.list.push_back(longest);
 
     GestureProgram program;
     program.Build(gestures.list);
