@@ -111,38 +111,32 @@ TEST(BaseValue, SubValueOfScalar) {
     EXPECT_EQ(got, &f);
 }
 
-// Copy construction drops the name; assignment carries it. Both copy the
-// number, and a reference's copy shares the referred float.
+// Copy construction drops the name; assignment carries it over the target's
+// own. Both copy what `read` reads: the number, or for a reference the
+// address of the float it shares.
+template <class V, class Read>
+void ExpectCopyRules(const V& source, V assigned, const char* name, Read read) {
+    SCOPED_TRACE(name);
+    const V copy(source);
+    EXPECT_STREQ(copy.Name(), "");
+    EXPECT_EQ(read(copy), read(source));
+    assigned = source;
+    EXPECT_STREQ(assigned.Name(), name);
+    EXPECT_EQ(read(assigned), read(source));
+}
+
 TEST(BaseValue, ScalarCopyRules) {
     IntValue i("count");
     i.Set(3);
-    IntValue iCopy(i);
-    EXPECT_STREQ(iCopy.Name(), "");
-    EXPECT_EQ(iCopy.Get(), 3);
-    IntValue iAssigned("other");
-    iAssigned = i;
-    EXPECT_STREQ(iAssigned.Name(), "count");
-    EXPECT_EQ(iAssigned.Get(), 3);
-
+    ExpectCopyRules(i, IntValue("other"), "count", [](const IntValue& v) { return v.Get(); });
     FloatValue f("speed");
     f.Set(1.25f);
-    FloatValue fCopy(f);
-    EXPECT_STREQ(fCopy.Name(), "");
-    EXPECT_EQ(fCopy.Get(), 1.25f);
-    FloatValue fAssigned;
-    fAssigned = f;
-    EXPECT_STREQ(fAssigned.Name(), "speed");
-    EXPECT_EQ(fAssigned.Get(), 1.25f);
-
+    ExpectCopyRules(f, FloatValue(), "speed", [](const FloatValue& v) { return v.Get(); });
     float shared = 6.0f;
-    RefFloatValue r("ref", shared);
-    RefFloatValue rCopy(r);
-    EXPECT_STREQ(rCopy.Name(), "");
-    EXPECT_EQ(rCopy.Ref(), &shared);
-    RefFloatValue rAssigned;
-    rAssigned = r;
-    EXPECT_STREQ(rAssigned.Name(), "ref");
-    EXPECT_EQ(rAssigned.Ref(), &shared);
+    ExpectCopyRules(RefFloatValue("ref", shared), RefFloatValue(), "ref", [&](const RefFloatValue& v) {
+        EXPECT_EQ(v.Ref(), &shared);
+        return v.Ref();
+    });
 }
 
 TEST(RefFloatValue, AssignFromFloat) {
