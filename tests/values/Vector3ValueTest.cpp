@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <vector>
 
 #include "support/Printed.h"
 #include "values/Vector3Value.h"
@@ -15,6 +16,10 @@ RefFloatValue* Component(Vector3Value& v, BaseValue::SubType sub) {
     return static_cast<RefFloatValue*>(BaseValue::DynamicCast(&RefFloatValue::ms_RTTI, v.GetSubValue(sub)));
 }
 
+// The three components, compared exactly.
+std::vector<float> XYZ(const float* data) { return {data[0], data[1], data[2]}; }
+using Floats = std::vector<float>;
+
 }  // namespace
 
 // The components are what ".x", ".y", ".z" hand to functions and
@@ -25,9 +30,7 @@ TEST(Vector3Value, Components) {
     RefFloatValue* x = Component(v, BaseValue::SubX);
     RefFloatValue* y = Component(v, BaseValue::SubY);
     RefFloatValue* z = Component(v, BaseValue::SubZ);
-    ASSERT_NE(x, nullptr);
-    ASSERT_NE(y, nullptr);
-    ASSERT_NE(z, nullptr);
+    ASSERT_TRUE(x && y && z);
     EXPECT_STREQ(x->Name(), "");
     EXPECT_EQ(*y->Ref(), 2.0f);
     EXPECT_EQ(*z->Ref(), 3.0f);
@@ -54,9 +57,7 @@ TEST(Vector3Value, CopyRules) {
 
     Vector3Value copy(source);
     EXPECT_STREQ(copy.Name(), "");
-    EXPECT_EQ(copy.X(), 1.0f);
-    EXPECT_EQ(copy.Y(), 2.0f);
-    EXPECT_EQ(copy.Z(), 3.0f);
+    EXPECT_EQ(XYZ(copy.Data()), (Floats{1, 2, 3}));
     RefFloatValue* copyX = Component(copy, BaseValue::SubX);
     ASSERT_NE(copyX, nullptr);
     EXPECT_EQ(copyX->Ref(), &source.Data()[0]);
@@ -68,9 +69,7 @@ TEST(Vector3Value, CopyRules) {
     Vector3Value target("Target");
     target = source;
     EXPECT_STREQ(target.Name(), "Target");
-    EXPECT_EQ(target.X(), 7.0f);
-    EXPECT_EQ(target.Y(), 2.0f);
-    EXPECT_EQ(target.Z(), 3.0f);
+    EXPECT_EQ(XYZ(target.Data()), (Floats{7, 2, 3}));
     EXPECT_EQ(Component(target, BaseValue::SubY)->Ref(), &target.Data()[1]);
 
     // Results of the vector functions are fresh vectors bound to themselves.
@@ -81,27 +80,17 @@ TEST(Vector3Value, CopyRules) {
 TEST(Vector3Value, CrossDotLengthDistance) {
     const Vector3Value x(1.0f, 0.0f, 0.0f), y(0.0f, 1.0f, 0.0f), z(0.0f, 0.0f, 1.0f);
     // The middle component is negated with respect to the textbook product.
-    Vector3Value zx = z.Cross(x);
-    EXPECT_EQ(zx.X(), 0.0f);
-    EXPECT_EQ(zx.Y(), -1.0f);
-    EXPECT_EQ(zx.Z(), 0.0f);
-    Vector3Value xy = x.Cross(y);
-    EXPECT_EQ(xy.X(), 0.0f);
-    EXPECT_EQ(xy.Y(), 0.0f);
-    EXPECT_EQ(xy.Z(), 1.0f);
+    EXPECT_EQ(XYZ(z.Cross(x).Data()), (Floats{0, -1, 0}));
+    EXPECT_EQ(XYZ(x.Cross(y).Data()), (Floats{0, 0, 1}));
     Vector3Value general = Vector3Value(1.0f, 2.0f, 3.0f).Cross(Vector3Value(4.0f, 5.0f, 6.0f));
-    EXPECT_EQ(general.X(), -3.0f);
-    EXPECT_EQ(general.Y(), -6.0f);  // textbook: +6
-    EXPECT_EQ(general.Z(), -3.0f);
+    EXPECT_EQ(XYZ(general.Data()), (Floats{-3, -6, -3}));  // textbook: -3, +6, -3
     EXPECT_STREQ(general.Name(), "");
 
     // The raw form may write over an operand.
     float a[3] = {1.0f, 2.0f, 3.0f};
     const float b[3] = {4.0f, 5.0f, 6.0f};
     VectorMath::Cross(a, b, a);
-    EXPECT_EQ(a[0], -3.0f);
-    EXPECT_EQ(a[1], -6.0f);
-    EXPECT_EQ(a[2], -3.0f);
+    EXPECT_EQ(XYZ(a), (Floats{-3, -6, -3}));
 
     const Vector3Value p(3.0f, 0.0f, 4.0f);
     EXPECT_EQ(p.Dot(Vector3Value(1.0f, 2.0f, 3.0f)), 15.0f);
@@ -118,9 +107,7 @@ TEST(Vector3Value, CrossDotLengthDistance) {
 
     // No guard for the zero vector.
     Vector3Value nan = Vector3Value().Normalize();
-    EXPECT_TRUE(std::isnan(nan.X()));
-    EXPECT_TRUE(std::isnan(nan.Y()));
-    EXPECT_TRUE(std::isnan(nan.Z()));
+    EXPECT_TRUE(std::isnan(nan.X()) && std::isnan(nan.Y()) && std::isnan(nan.Z()));
 }
 
 // The angle is signed about +z and reported in degrees; configurations compare
