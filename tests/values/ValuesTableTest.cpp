@@ -115,37 +115,26 @@ TEST(ValuesTable, ConstValues) {
     ValuesTable table;
     EXPECT_EQ(table.GetConstValue(nullptr), nullptr);
 
-    BaseValue* vector = table.GetConstValue("1,2,3");
-    ASSERT_TRUE(BaseValue::IsExactKindOf(&Vector3Value::ms_RTTI, vector));
-    EXPECT_STREQ(vector->Name(), "1,2,3");
-    EXPECT_EQ(static_cast<Vector3Value*>(vector)->Z(), 3.0f);
-
-    BaseValue* dotted = table.GetConstValue("1.5,2.5,-3.5");
-    ASSERT_TRUE(BaseValue::IsExactKindOf(&Vector3Value::ms_RTTI, dotted));
-    EXPECT_EQ(static_cast<Vector3Value*>(dotted)->Z(), -3.5f);
-
-    BaseValue* half = table.GetConstValue("2.5");
-    ASSERT_TRUE(BaseValue::IsExactKindOf(&FloatValue::ms_RTTI, half));
-    EXPECT_EQ(static_cast<FloatValue*>(half)->Get(), 2.5f);
-
+    // Three parts make a vector (its z is compared here); otherwise the first
+    // part counts, a float if the text has a dot and an int if not.
+    const struct { const char* text; const RTTI* type; float number; } rows[] = {
+        {"1,2,3", &Vector3Value::ms_RTTI, 3},   {"1.5,2.5,-3.5", &Vector3Value::ms_RTTI, -3.5f},
+        {"2.5", &FloatValue::ms_RTTI, 2.5f},    {"7", &IntValue::ms_RTTI, 7},
+        {"1.5,2", &FloatValue::ms_RTTI, 1.5f},  {"1,2", &IntValue::ms_RTTI, 1},
+        {"4,3,2,1", &IntValue::ms_RTTI, 4},
+    };
+    for (const auto& row : rows) {
+        BaseValue* constant = table.GetConstValue(row.text);
+        ASSERT_TRUE(BaseValue::IsExactKindOf(row.type, constant)) << row.text;
+        EXPECT_STREQ(constant->Name(), row.text);
+        const float number = row.type == &Vector3Value::ms_RTTI ? static_cast<Vector3Value*>(constant)->Z()
+                             : row.type == &IntValue::ms_RTTI   ? static_cast<float>(static_cast<IntValue*>(constant)->Get())
+                                                                : static_cast<FloatValue*>(constant)->Get();
+        EXPECT_EQ(number, row.number) << row.text;
+    }
     BaseValue* seven = table.GetConstValue("7");
-    ASSERT_TRUE(BaseValue::IsExactKindOf(&IntValue::ms_RTTI, seven));
-    EXPECT_EQ(static_cast<IntValue*>(seven)->Get(), 7);
-    EXPECT_STREQ(seven->Name(), "7");
     EXPECT_EQ(table.GetConstValue("7"), seven);
     EXPECT_NE(table.GetConstValue("07"), seven);  // cached by text, not by number
-
-    BaseValue* oneComma = table.GetConstValue("1.5,2");
-    ASSERT_TRUE(BaseValue::IsExactKindOf(&FloatValue::ms_RTTI, oneComma));
-    EXPECT_EQ(static_cast<FloatValue*>(oneComma)->Get(), 1.5f);
-
-    BaseValue* intPair = table.GetConstValue("1,2");
-    ASSERT_TRUE(BaseValue::IsExactKindOf(&IntValue::ms_RTTI, intPair));
-    EXPECT_EQ(static_cast<IntValue*>(intPair)->Get(), 1);
-
-    BaseValue* fourParts = table.GetConstValue("4,3,2,1");
-    ASSERT_TRUE(BaseValue::IsExactKindOf(&IntValue::ms_RTTI, fourParts));
-    EXPECT_EQ(static_cast<IntValue*>(fourParts)->Get(), 4);
 
     EXPECT_FALSE(table.HasValues("7"));
     EXPECT_EQ(table.GetValueCount(), 52u);
