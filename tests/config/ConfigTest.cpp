@@ -20,10 +20,12 @@
 #include "gesture/GestureTable.h"
 #include "pelmora.h"
 #include "processing/ProcessingTable.h"
+#include "support/Printed.h"
 #include "support/TestClock.h"
 #include "values/IdentifyValues.h"
 
 using namespace PelmoraLib;
+using PelmoraTest::Printed;
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>
@@ -52,13 +54,6 @@ void operator delete[](void* block, size_t) noexcept { free(block); }
 
 namespace {
 
-template <class Action>
-std::string Printed(Action action) {
-    testing::internal::CaptureStdout();
-    action();
-    return testing::internal::GetCapturedStdout();
-}
-
 std::string Repeat(const std::string& text, int times) {
     std::string out;
     for (int i = 0; i < times; ++i) out += text;
@@ -85,11 +80,16 @@ const char* const kExample =
     "  </Gesture>\n"
     "</AppConfig>\n";
 
-const std::string kExampleCompiled =
-    "Begin To Compiler Processing Index:0\n"
-    "Compiler Processing Index:0 Succeed\n"
-    "Gesture:HandOutAndBack Begin to Compiler\n"
-    "Gesture:HandOutAndBack Compiler Succeed!\n";
+// The lines of a processing block and of a gesture that compile.
+std::string ProcessingCompiled(int index) {
+    const std::string i = std::to_string(index);
+    return "Begin To Compiler Processing Index:" + i + "\nCompiler Processing Index:" + i + " Succeed\n";
+}
+std::string GestureCompiled(const std::string& name) {
+    return "Gesture:" + name + " Begin to Compiler\nGesture:" + name + " Compiler Succeed!\n";
+}
+
+const std::string kExampleCompiled = ProcessingCompiled(0) + GestureCompiled("HandOutAndBack");
 const std::string kAllSucceed = "All GestureConfig Compiler Succeed!!\n";
 
 class ConfigTest : public testing::Test {
@@ -192,10 +192,7 @@ TEST_F(ConfigTest, SectionsStartAtTheFirstAppConfig) {
     EXPECT_EQ(Load("<Before><Gesture name='Z'/></Before>" + Doc("<Gesture name='A'/><Unknown/>") +
                    Doc("<Gesture name='B'/>") + "<Extra><Gesture name='C'/></Extra>"),
               "");
-    std::string expected;
-    for (const char* name : {"A", "B", "C"})
-        expected += "Gesture:" + std::string(name) + " Begin to Compiler\nGesture:" + name + " Compiler Succeed!\n";
-    EXPECT_EQ(Start(true), expected + kAllSucceed);
+    EXPECT_EQ(Start(true), GestureCompiled("A") + GestureCompiled("B") + GestureCompiled("C") + kAllSucceed);
     EXPECT_EQ(GetGestureNum(0), 3u);
 }
 
@@ -203,12 +200,8 @@ TEST_F(ConfigTest, LoadingTwiceDoublesEverythingForEveryPlayer) {
     Init(2);
     EXPECT_EQ(Load(kExample), "");
     EXPECT_EQ(Load(kExample), "");  // the repeated value names are refused silently
-    const std::string processings =
-        "Begin To Compiler Processing Index:0\nCompiler Processing Index:0 Succeed\n"
-        "Begin To Compiler Processing Index:1\nCompiler Processing Index:1 Succeed\n";
-    const std::string gestures = Repeat("Gesture:HandOutAndBack Begin to Compiler\n"
-                                        "Gesture:HandOutAndBack Compiler Succeed!\n", 2);
-    EXPECT_EQ(Start(true), Repeat(processings + gestures, 2) + kAllSucceed);
+    const std::string player = ProcessingCompiled(0) + ProcessingCompiled(1) + Repeat(GestureCompiled("HandOutAndBack"), 2);
+    EXPECT_EQ(Start(true), Repeat(player, 2) + kAllSucceed);
     for (int player = 0; player < 2; ++player) {
         EXPECT_EQ(Pool(player).GetValueCount(), 54u);
         EXPECT_EQ(Processings(player).GetProcessingNum(), 2u);
@@ -278,12 +271,9 @@ TEST_F(ConfigTest, FailingProcessingIsLeftOutWhileTheOthersGoIn) {
                        "<Processing update='-1'/>")),
               "");  // the block with a nameless function is dropped silently
     EXPECT_EQ(ProcessingConfigs(), 4u);
-    EXPECT_EQ(Start(false),
-              "Begin To Compiler Processing Index:0\nCompiler Processing Index:0 Succeed\n"
-              "Begin To Compiler Processing Index:1\nFunction Compiler Failed! Index:0\n"
-              "Processing Index:1 Compiler Failed!\n"
-              "Begin To Compiler Processing Index:2\nCompiler Processing Index:2 Succeed\n"
-              "Begin To Compiler Processing Index:3\nCompiler Processing Index:3 Succeed\n");
+    EXPECT_EQ(Start(false), ProcessingCompiled(0) +
+                                "Begin To Compiler Processing Index:1\nFunction Compiler Failed! Index:0\n"
+                                "Processing Index:1 Compiler Failed!\n" + ProcessingCompiled(2) + ProcessingCompiled(3));
     EXPECT_EQ(Processings().GetProcessingNum(), 3u);
     EXPECT_EQ(Processings().GetFrameProcessingNum(), 1u);  // only "-1": "0" and "true" read as false
 }
@@ -315,7 +305,7 @@ TEST_F(ConfigTest, QualificationFaultsFailTheirGestureForEveryPlayer) {
                         "Index == " + std::to_string(index) + "\n";
         };
         failed("Missing", 0, "0", "1", "Nope is a undefine value!\nQualification param 0 value not found\n");
-        expected += "Gesture:Good Begin to Compiler\nGesture:Good Compiler Succeed!\n";
+        expected += GestureCompiled("Good");
         failed("Unknown", 2, "0", "0", "Qualification version not supported.\n");
         failed("LowerCase", 3, "0", "0", "Qualification version not supported.\n");
         failed("WholeVector", 4, "1", "0", "Qualification version not supported.\n");
@@ -337,9 +327,7 @@ TEST_F(ConfigTest, FlagsAndNamesAreReadAsWritten) {
                        "IsFinishOnSucceed='-1' IsResetOnFailed='0'/></Segment><Segment/></Gesture>"
                        "<Gesture Name='X'/>")),
               "");
-    EXPECT_EQ(Start(true),
-              Repeat("Gesture:G Begin to Compiler\nGesture:G Compiler Succeed!\n", 2) +
-                  "Gesture: Begin to Compiler\nGesture: Compiler Succeed!\n" + kAllSucceed);
+    EXPECT_EQ(Start(true), Repeat(GestureCompiled("G"), 2) + GestureCompiled("") + kAllSucceed);
     ASSERT_EQ(GetGestureNum(0), 3u);
     EXPECT_EQ(GetGestureIndex(0, "G"), 1u);  // duplicate names: the later one is found by name
     EXPECT_EQ(Gestures().GetGesture(size_t(0))->GetSegmentSize(), 1u);
