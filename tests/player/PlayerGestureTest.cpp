@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "PlayerFixture.h"
@@ -77,14 +78,12 @@ TEST_F(PlayerGesture, ResetAndFinishResults) {
     AddGesture("Quick", {{Qualification::Less, "-1.0", false, true}, {Qualification::Less, "-1.0"}});
     Track({0, 1});
     Player& player = GetPlayer();
-    EXPECT_TRUE(Feed(1.0f));
-    EXPECT_EQ(Records(), (Words{0, 0, 0, 1, 1, 1, 0, 1}));
-    EXPECT_TRUE(Feed(1.0f));
-    EXPECT_EQ(Records(), (Words{0, 0, 1, 1, 1, 1, 0, 1}));
-    EXPECT_TRUE(Feed(0.0f));
-    EXPECT_EQ(Records(), (Words{0, 0, 2, 0, 1, 1, 0, 1}));
-    EXPECT_TRUE(Feed(0.0f));
-    EXPECT_EQ(Records(), (Words{0, 0, 0, 0, 1, 1, 0, 1}));
+    const std::pair<float, Words> frames[] = {{1.0f, {0, 0, 0, 1, 1, 1, 0, 1}}, {1.0f, {0, 0, 1, 1, 1, 1, 0, 1}},
+                                              {0.0f, {0, 0, 2, 0, 1, 1, 0, 1}}, {0.0f, {0, 0, 0, 0, 1, 1, 0, 1}}};
+    for (const auto& [x, records] : frames) {
+        EXPECT_TRUE(Feed(x));
+        EXPECT_EQ(Records(), records);
+    }
 
     // Enabling an active gesture keeps its progress; Player::Reset restarts
     // all and keeps them active; disabling stops the records.
