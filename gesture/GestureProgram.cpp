@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "gesture/Gesture.h"
+#include "values/ValuesTable.h"
 
 namespace PelmoraLib {
 
@@ -67,21 +68,57 @@ bool GestureProgram::IsComplete(const Gesture* gesture) {
     return true;
 }
 
-void GestureProgram::CollectOperands(const std::vector<Gesture*>& gestures) {
+void GestureProgram::CollectOperands(const std::vector<Gesture*>& gestures, const ValuesTable* literals) {
     m_Operands.clear();
+    m_LiteralStorage.clear();
+    auto noteLiteral = [&](const BaseValue* value, const void* storage, bool isInt) {
+        if (literals && literals->IsConstant(value)) m_LiteralStorage.emplace_back(storage, isInt);
+    };
     for (const Gesture* gesture : gestures) {
         if (!IsComplete(gesture)) continue;
         for (uint64_t s = 0; s < gesture->GetSegmentSize(); ++s) {
             const Segment* segment = gesture->GetSegment(static_cast<size_t>(s));
             for (size_t q = 0; q < segment->GetQualificationNum(); ++q) {
-                const WideStep step = StepOf(*segment->GetQualification(q));
+                Qualification& qualification = *segment->GetQualification(q);
+                const WideStep step = StepOf(qualification);
                 m_Operands.push_back(step.left);
                 m_Operands.push_back(step.right);
+                if (step.operation == kGeneral) continue;
+                const Qualification::Operands form = qualification.m_Operands;
+                noteLiteral(qualification.m_Value1, qualification.m_LeftStorage,
+                            form == Qualification::kIntInt || form == Qualification::kIntFloat);
+                noteLiteral(qualification.m_Value2, qualification.m_RightStorage,
+                            form == Qualification::kIntInt || form == Qualification::kFloatInt);
             }
         }
     }
     std::sort(m_Operands.begin(), m_Operands.end(), std::less<const void*>());
     m_Operands.erase(std::unique(m_Operands.begin(), m_Operands.end()), m_Operands.end());
+    std::sort(m_LiteralStorage.begin(), m_LiteralStorage.end(),
+              [](const std::pair<const void*, bool>& a, const std::pair<const void*, bool>& b) {
+                  return std::less<const void*>()(a.first, b.first);
+              });
+    m_LiteralStorage.erase(std::unique(m_LiteralStorage.begin(), m_LiteralStorage.end()), m_LiteralStorage.end());
+}
+
+// Both lists are sorted by address: one walk pairs them. The copies are made
+// in full before any place points at them, so none moves afterwards.
+void GestureProgram::CopyLiterals() {
+    m_Reads.assign(m_Operands.begin(), m_Operands.end());
+    m_Literals.resize(m_LiteralStorage.size());
+    size_t literal = 0;
+    for (size_t place = 0; place < m_Operands.size() && literal < m_LiteralStorage.size(); ++place) {
+        const auto& storage = m_LiteralStorage[literal];
+        if (storage.first != m_Operands[place]) continue;
+        Literal& copy = m_Literals[literal++];
+        if (storage.second) {
+            copy.i = *static_cast<const int32_t*>(storage.first);
+            m_Reads[place] = &copy.i;
+        } else {
+            copy.f = *static_cast<const float*>(storage.first);
+            m_Reads[place] = &copy.f;
+        }
+    }
 }
 
 uint32_t GestureProgram::PlaceOf(const void* operand) const {
@@ -121,8 +158,9 @@ bool GestureProgram::LayOutSegments(const std::vector<Gesture*>& gestures, uint6
 // Rebuilt into the same arrays: once they have grown to a table's size,
 // rebuilding allocates nothing. Should the steps not fit one word's places
 // (millions of them), every gesture is left to its objects.
-void GestureProgram::Build(const std::vector<Gesture*>& gestures) {
-    CollectOperands(gestures);
+void GestureProgram::Build(const std::vector<Gesture*>& gestures, const ValuesTable* literals) {
+    CollectOperands(gestures, literals);
+    CopyLiterals();
     m_Gestures.clear();
     m_Objects.clear();
     m_Segments.clear();

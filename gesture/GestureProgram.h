@@ -6,6 +6,11 @@
 // qualification objects across the heap. Checking gives exactly what
 // Gesture::DoCheck gives.
 //
+// The literal constants the qualifications compare with are copied into the
+// program, side by side: a woken worker's pass would otherwise fetch one
+// cache line per constant from wherever the configuration's load left it.
+// Constants are never written, so the copies stay exact.
+//
 // The gesture objects stay the definition. Any change to them (a segment or
 // qualification added, a qualification set, its flags changed, a table
 // filled or cleared) moves the process-wide gesture epoch, and a table
@@ -15,6 +20,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "gesture/Qualification.h"
@@ -22,6 +28,7 @@
 namespace PelmoraLib {
 
 class Gesture;
+class ValuesTable;
 
 namespace GestureEpoch {
 // Called by everything that changes a gesture's definition.
@@ -34,7 +41,9 @@ class GestureProgram {
     struct Entry;
 
 public:
-    void Build(const std::vector<Gesture*>& gestures);
+    // `literals`, when given, is the pool whose literal constants the
+    // gestures compare with; without it every operand is read where it lives.
+    void Build(const std::vector<Gesture*>& gestures, const ValuesTable* literals);
 
     // The program's arrays for one pass: a local copy of their addresses
     // lets the compiler keep them in registers while records are written.
@@ -73,7 +82,7 @@ public:
         view.m_Objects = m_Objects.data();
         view.m_Segments = m_Segments.data();
         view.m_Steps = m_Steps.data();
-        view.m_Operands = m_Operands.data();
+        view.m_Operands = m_Reads.data();
         view.m_Count = m_Gestures.size();
         return view;
     }
@@ -179,7 +188,10 @@ private:
 
     static WideStep StepOf(Qualification& qualification);
     static bool IsComplete(const Gesture* gesture);
-    void CollectOperands(const std::vector<Gesture*>& gestures);
+    void CollectOperands(const std::vector<Gesture*>& gestures, const ValuesTable* literals);
+    // m_Reads: m_Operands, with the literal constants' places pointing at
+    // copies in m_Literals.
+    void CopyLiterals();
     uint32_t PlaceOf(const void* operand) const;
     // Whether the (complete) gesture can be laid out: every operand has a
     // sixteen-bit place and no segment has more than kMaxCount steps.
@@ -194,6 +206,16 @@ private:
     std::vector<uint32_t> m_Segments;  // each laid-out gesture's segments in a row
     std::vector<Step> m_Steps;
     std::vector<const void*> m_Operands;  // sorted, distinct
+    std::vector<const void*> m_Reads;     // by place: what a step reads
+    // A copied constant, read through the member of its type.
+    union Literal {
+        int32_t i;
+        float f;
+    };
+    std::vector<Literal> m_Literals;
+    // The storage of the operands that are literal constants, sorted, and
+    // whether each holds an int.
+    std::vector<std::pair<const void*, bool>> m_LiteralStorage;
 };
 
 }  // namespace PelmoraLib

@@ -1,5 +1,7 @@
 #include "gesture/GestureTable.h"
 
+#include "values/ValuesTable.h"
+
 namespace PelmoraLib {
 
 GestureTable::~GestureTable() { Clear(); }
@@ -20,11 +22,14 @@ void GestureTable::AddGesture(Gesture* gesture) {
     GestureEpoch::Advance();
 }
 
-const GestureProgram& GestureTable::Program() {
+const GestureProgram& GestureTable::Program(const ValuesTable* literals) {
     const uint64_t epoch = GestureEpoch::Current();
-    if (m_ProgramEpoch != epoch) {
-        m_Program.Build(m_Gestures);
+    const uint64_t generation = literals ? literals->GetGeneration() : 0;
+    if (m_ProgramEpoch != epoch || m_ProgramLiterals != literals || m_ProgramGeneration != generation) {
+        m_Program.Build(m_Gestures, literals);
         m_ProgramEpoch = epoch;
+        m_ProgramLiterals = literals;
+        m_ProgramGeneration = generation;
     }
     return m_Program;
 }

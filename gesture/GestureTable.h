@@ -37,8 +37,10 @@ public:
     void Clear();
 
     // The gestures laid out for checking, rebuilt first when any gesture
-    // definition changed since it was last built.
-    const GestureProgram& Program();
+    // definition changed since it was last built, or when asked with another
+    // pool (or the same pool refilled) than last time. `literals` is the pool
+    // the gestures' literal constants come from; null copies none.
+    const GestureProgram& Program(const ValuesTable* literals);
 
 protected:
     friend class GestureConfigTable;
@@ -51,6 +53,8 @@ private:
     std::vector<Gesture*> m_Gestures;
     GestureProgram m_Program;
     uint64_t m_ProgramEpoch = 0;
+    const ValuesTable* m_ProgramLiterals = nullptr;
+    uint64_t m_ProgramGeneration = 0;
 };
 
 }  // namespace PelmoraLib

@@ -478,7 +478,7 @@ void Player::InitGestureList() {
     m_GestureInfos.reserve(gestures);
     for (size_t i = 0; i < gestures; ++i) m_GestureInfos.emplace_back(static_cast<uint32_t>(i));
     // Laid out now, so that the first frame finds it ready.
-    table->Program();
+    table->Program(pool);
 
     switch (engine->GetReturnInfoType()) {
         case ReturnInfo8: m_BuildRecord = &BuildRecord8; m_ReturnInfoSize = 8; break;
@@ -540,7 +540,7 @@ bool Player::UpdateGestureInfo() {
     const bool timeSlots = PassTimeSlots(gestureTimeSlot, segmentTimeSlot);
     // Without a table no gesture is checked; its program has one entry per
     // gesture of the table.
-    const GestureProgram::View program = table ? table->Program().GetView() : GestureProgram::View();
+    const GestureProgram::View program = table ? table->Program(m_PassPool).GetView() : GestureProgram::View();
     const uint64_t recordSize = m_ReturnInfoSize;
     uint64_t records = 0;
     bool anyFinished = false;

@@ -149,6 +149,12 @@ BaseValue* ValuesTable::GetConstValue(const char* literal) {
     return value;
 }
 
+bool ValuesTable::IsConstant(const BaseValue* value) const {
+    if (!value) return false;
+    const auto cached = m_ConstValues.find(value->Name());
+    return cached != m_ConstValues.end() && cached->second == value;
+}
+
 void ValuesTable::Clear() {
     for (BaseValue* value : m_Values) delete value;
     for (auto& constant : m_ConstValues) delete constant.second;

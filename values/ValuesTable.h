@@ -34,7 +34,12 @@ public:
     BaseValue* GetValue(const char* name) const;
     BaseValue* GetValue(size_t index) const;
     uint64_t GetValueIndex(const char* name) const;
+    // The constant a literal text stands for, made on first use and shared by
+    // every use of the same text. Constants are never written: gesture
+    // programs keep copies of the ones they compare with.
     BaseValue* GetConstValue(const char* literal);
+    // Whether `value` is one of this table's literal constants.
+    bool IsConstant(const BaseValue* value) const;
     size_t GetValueCount() const { return m_Values.size(); }
     void Clear();
     // Changes whenever a value is added or the table is cleared, to a number

@@ -115,8 +115,10 @@ TEST(GestureProgram, AgreesWithTheGestureObjects) {
     longest->AddSegment(segment);
     gestures.list.push_back(longest);
 
+    // The literals ("3", "2.5", ...) are the pool's constants: the program
+    // reads its copies of them.
     GestureProgram program;
-    program.Build(gestures.list);
+    program.Build(gestures.list, &values.pool);
     const GestureProgram::View view = program.GetView();
     ASSERT_EQ(view.GestureCount(), gestures.list.size());
     for (int round = 0; round < 300; ++round) {
@@ -149,7 +151,7 @@ TEST(GestureProgram, MoreOperandsThanPlacesFallBackToTheObjects) {
         gestures.list.push_back(gesture);
     }
     GestureProgram program;
-    program.Build(gestures.list);
+    program.Build(gestures.list, nullptr);
     const GestureProgram::View view = program.GetView();
     for (int round = 0; round < 2; ++round) {
         for (int g = 0; g < kGestures; ++g) {
@@ -159,4 +161,32 @@ TEST(GestureProgram, MoreOperandsThanPlacesFallBackToTheObjects) {
         // Checks read the live values.
         for (int g = 0; g < kGestures; ++g) constants[2 * static_cast<size_t>(g)]->Set(static_cast<float>(g) + 1.0f);
     }
+}
+
+// Literal constants are copied when the program is laid out; only the pool's
+// own constants are, and a new layout copies them afresh.
+TEST(GestureProgram, CopiesThePoolsLiteralConstants) {
+    IdentifyValues pool;
+    FloatValue standalone(0.5f);
+    BaseValue* literal = pool.GetConstValue("0.5");
+    BaseValue* zero = pool.GetConstValue("0");
+    Gestures gestures;
+    for (BaseValue* compared : {literal, static_cast<BaseValue*>(&standalone)}) {
+        Q* q = new Q;
+        ASSERT_TRUE(q->SetQualification(Q::Greate, compared, BaseValue::SubWhole, zero, BaseValue::SubWhole));
+        Segment* segment = new Segment;
+        segment->AddQualification(q);
+        Gesture* gesture = new Gesture;
+        gesture->AddSegment(segment);
+        gestures.list.push_back(gesture);
+    }
+    GestureProgram program;
+    program.Build(gestures.list, &pool);
+    // Writing a constant is outside the contract; it shows which reads are copies.
+    static_cast<FloatValue*>(literal)->Set(-1.0f);
+    standalone.Set(-1.0f);
+    EXPECT_EQ(program.GetView().Check(0, 0), Q::Succeed);
+    EXPECT_EQ(program.GetView().Check(1, 0), Q::Failed);
+    program.Build(gestures.list, &pool);
+    EXPECT_EQ(program.GetView().Check(0, 0), Q::Failed);
 }
