@@ -27,6 +27,18 @@ public:
     ~Gestures() {
         for (Gesture* gesture : list) delete gesture;
     }
+    // Adds a gesture of one segment holding `left` Greate `right`; false when
+    // that does not compile.
+    bool AddGreate(BaseValue* left, BaseValue* right) {
+        std::unique_ptr<Q> q(new Q);
+        if (!q->SetQualification(Q::Greate, left, BaseValue::SubWhole, right, BaseValue::SubWhole)) return false;
+        Segment* segment = new Segment;
+        segment->AddQualification(q.release());
+        Gesture* gesture = new Gesture;
+        gesture->AddSegment(segment);
+        list.push_back(gesture);
+        return true;
+    }
     std::vector<Gesture*> list;
 };
 
@@ -141,14 +153,7 @@ TEST(GestureProgram, MoreOperandsThanPlacesFallBackToTheObjects) {
     for (int g = 0; g < kGestures; ++g) {
         constants.emplace_back(new FloatValue(static_cast<float>(g)));
         constants.emplace_back(new FloatValue(static_cast<float>(g % 2)));
-        Q* q = new Q;
-        ASSERT_TRUE(q->SetQualification(Q::Greate, constants[constants.size() - 2].get(), BaseValue::SubWhole,
-                                        constants.back().get(), BaseValue::SubWhole));
-        Segment* segment = new Segment;
-        segment->AddQualification(q);
-        Gesture* gesture = new Gesture;
-        gesture->AddSegment(segment);
-        gestures.list.push_back(gesture);
+        ASSERT_TRUE(gestures.AddGreate(constants[constants.size() - 2].get(), constants.back().get()));
     }
     GestureProgram program;
     program.Build(gestures.list, nullptr);
@@ -171,15 +176,8 @@ TEST(GestureProgram, CopiesThePoolsLiteralConstants) {
     BaseValue* literal = pool.GetConstValue("0.5");
     BaseValue* zero = pool.GetConstValue("0");
     Gestures gestures;
-    for (BaseValue* compared : {literal, static_cast<BaseValue*>(&standalone)}) {
-        Q* q = new Q;
-        ASSERT_TRUE(q->SetQualification(Q::Greate, compared, BaseValue::SubWhole, zero, BaseValue::SubWhole));
-        Segment* segment = new Segment;
-        segment->AddQualification(q);
-        Gesture* gesture = new Gesture;
-        gesture->AddSegment(segment);
-        gestures.list.push_back(gesture);
-    }
+    ASSERT_TRUE(gestures.AddGreate(literal, zero));
+    ASSERT_TRUE(gestures.AddGreate(&standalone, zero));
     GestureProgram program;
     program.Build(gestures.list, &pool);
     // Writing a constant is outside the contract; it shows which reads are copies.
