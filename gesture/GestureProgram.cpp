@@ -22,6 +22,12 @@ uint64_t Current() { return g_Epoch.load(std::memory_order_relaxed); }
 
 }  // namespace GestureEpoch
 
+// Whether a resolved qualification reads its left (or right) number as an int.
+bool GestureProgram::ReadsInt(const Qualification& qualification, bool left) {
+    const Qualification::Operands form = qualification.m_Operands;
+    return form == Qualification::kIntInt || form == (left ? Qualification::kIntFloat : Qualification::kFloatInt);
+}
+
 GestureProgram::WideStep GestureProgram::StepOf(Qualification& qualification) {
     WideStep step{};
     if (qualification.m_Operands == Qualification::kGeneral) {
@@ -31,8 +37,8 @@ GestureProgram::WideStep GestureProgram::StepOf(Qualification& qualification) {
     }
     const void* left = qualification.m_LeftStorage;
     const void* right = qualification.m_RightStorage;
-    bool leftInt = qualification.m_Operands == Qualification::kIntInt || qualification.m_Operands == Qualification::kIntFloat;
-    bool rightInt = qualification.m_Operands == Qualification::kIntInt || qualification.m_Operands == Qualification::kFloatInt;
+    bool leftInt = ReadsInt(qualification, true);
+    bool rightInt = ReadsInt(qualification, false);
     int test = 0;  // 0 above, 1 above or equal, 2 equal
     bool negate = false;
     switch (qualification.m_QualificationEnum) {
@@ -84,11 +90,8 @@ void GestureProgram::CollectOperands(const std::vector<Gesture*>& gestures, cons
                 m_Operands.push_back(step.left);
                 m_Operands.push_back(step.right);
                 if (step.operation == kGeneral) continue;
-                const Qualification::Operands form = qualification.m_Operands;
-                noteLiteral(qualification.m_Value1, qualification.m_LeftStorage,
-                            form == Qualification::kIntInt || form == Qualification::kIntFloat);
-                noteLiteral(qualification.m_Value2, qualification.m_RightStorage,
-                            form == Qualification::kIntInt || form == Qualification::kFloatInt);
+                noteLiteral(qualification.m_Value1, qualification.m_LeftStorage, ReadsInt(qualification, true));
+                noteLiteral(qualification.m_Value2, qualification.m_RightStorage, ReadsInt(qualification, false));
             }
         }
     }

@@ -186,6 +186,7 @@ private:
     static const uint32_t kMaxCount = (1u << kCountBits) - 1;
     static const uint64_t kMaxSteps = uint64_t{1} << (32 - kCountBits);
 
+    static bool ReadsInt(const Qualification& qualification, bool left);
     static WideStep StepOf(Qualification& qualification);
     static bool IsComplete(const Gesture* gesture);
     void CollectOperands(const std::vector<Gesture*>& gestures, const ValuesTable* literals);
