@@ -68,6 +68,37 @@ TEST_F(PlayerGesture, TwoSegmentGesture) {
     EXPECT_EQ(Records(), (Words{0, 0, 0, 0, 10, 10}));
 }
 
+// A check sees the times measured for its own gesture, whichever way they
+// reach the pool: found once for the pass, or looked up gesture by gesture
+// (here because "SegmentTime" is looked for outside the pool).
+TEST_F(PlayerGesture, ChecksSeeTheirGesturesTimes) {
+    for (bool lookedUpEachTime : {false, true}) {
+        Start(2);
+        Gesture* gesture = new Gesture("Long");
+        Qualification* longer = new Qualification;
+        ASSERT_TRUE(longer->SetQualification(Qualification::Greate, Pool().GetValue("GestureTime"), BaseValue::SubWhole,
+                                             Pool().GetConstValue("25"), BaseValue::SubWhole));
+        Segment* segment = new Segment;
+        segment->AddQualification(longer);
+        gesture->AddSegment(segment);
+        GestureTableAccess::Add(*Pelmora::Get()->GetGestureTable(0), gesture);
+        AddGesture("Hold", {{Qualification::Greate, "0.5"}});
+        Track({1, 0});
+        const int32_t segmentTimeIndex = PlayerGestureInfo::ms_SegmentTimeIndex;
+        if (lookedUpEachTime) PlayerGestureInfo::ms_SegmentTimeIndex = 9999;
+        const std::string lookups = lookedUpEachTime ? "Index: 9999 can't be found in pool \n" : "";
+        bool finished = true;
+        EXPECT_EQ(Printed([&] { finished = Feed(1.0f, 10); }), lookups + lookups);
+        EXPECT_TRUE(finished);
+        EXPECT_EQ(Printed([&] { finished = Feed(0.0f, 10); }), lookups + lookups);
+        EXPECT_FALSE(finished);
+        EXPECT_EQ(Printed([&] { finished = Feed(0.0f, 10); }), lookups + lookups);
+        EXPECT_TRUE(finished) << (lookedUpEachTime ? "looked up gesture by gesture" : "found once");
+        PlayerGestureInfo::ms_SegmentTimeIndex = segmentTimeIndex;
+        Stop();
+    }
+}
+
 // A reset failure reports its own segment and restarts the gesture; a
 // finish flag finishes whatever the comparison says.
 TEST_F(PlayerGesture, ResetAndFinishResults) {
