@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "engine/Pelmora.h"
-#include "front/Diagnostics.h"
+#include "engine/Diagnostics.h"
 #include "processing/OneVariablesFunction.h"
 #include "processing/TwoVariablesFunction.h"
 #include "values/IdentifyValues.h"

@@ -7,7 +7,7 @@
 #include "config/XmlText.h"
 #include "engine/Pelmora.h"
 #include "engine/PlayerManager.h"
-#include "front/Diagnostics.h"
+#include "engine/Diagnostics.h"
 #include "values/IdentifyValues.h"
 
 namespace PelmoraLib {

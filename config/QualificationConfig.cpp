@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 #include "engine/Pelmora.h"
-#include "front/Diagnostics.h"
+#include "engine/Diagnostics.h"
 #include "values/IdentifyValues.h"
 
 namespace PelmoraLib {

@@ -7,7 +7,7 @@
 #include "engine/PlayerManager.h"
 #include "engine/ThreadCommand.h"
 #include "engine/ThreadCommandPool.h"
-#include "front/Diagnostics.h"
+#include "engine/Diagnostics.h"
 #include "gesture/GestureTable.h"
 #include "processing/ProcessingTable.h"
 #include "values/IdentifyValues.h"

@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "engine/PlayerManager.h"
-#include "front/Diagnostics.h"
+#include "engine/Diagnostics.h"
 
 namespace PelmoraLib {
 

@@ -11,7 +11,7 @@
 #include "engine/Pelmora.h"
 #include "engine/PlayerManager.h"
 #include "front/ApiGuard.h"
-#include "front/Diagnostics.h"
+#include "engine/Diagnostics.h"
 #include "front/WorkerPause.h"
 #include "gesture/GestureTable.h"
 #include "pelmora.h"

@@ -16,7 +16,7 @@
 #include "engine/TCSetPlayerState.h"
 #include "engine/ThreadCommandPool.h"
 #include "front/ApiGuard.h"
-#include "front/Diagnostics.h"
+#include "engine/Diagnostics.h"
 #include "front/WorkerPause.h"
 #include "gesture/GestureTable.h"
 #include "pelmora.h"

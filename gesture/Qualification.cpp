@@ -7,7 +7,7 @@
 #include <string>
 
 #include "engine/Pelmora.h"
-#include "front/Diagnostics.h"
+#include "engine/Diagnostics.h"
 #include "gesture/GestureProgram.h"
 #include "values/IdentifyValues.h"
 #include "values/PartStorage.h"

@@ -7,8 +7,8 @@
 
 #include "engine/Clock.h"
 #include "engine/Pelmora.h"
-#include "front/DebugInfo.h"
-#include "front/Diagnostics.h"
+#include "engine/DebugInfo.h"
+#include "engine/Diagnostics.h"
 #include "gesture/GestureTable.h"
 #include "processing/ProcessingTable.h"
 #include "values/IdentifyValues.h"

@@ -2,7 +2,7 @@
 
 #include "engine/Clock.h"
 #include "engine/Pelmora.h"
-#include "front/Diagnostics.h"
+#include "engine/Diagnostics.h"
 #include "values/IdentifyValues.h"
 
 namespace PelmoraLib {

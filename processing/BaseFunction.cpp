@@ -3,7 +3,7 @@
 #include <map>
 
 #include "engine/Pelmora.h"
-#include "front/Diagnostics.h"
+#include "engine/Diagnostics.h"
 
 namespace PelmoraLib {
 

@@ -1,6 +1,6 @@
 #include "processing/ProcessingTable.h"
 
-#include "front/DebugInfo.h"
+#include "engine/DebugInfo.h"
 
 namespace PelmoraLib {
 

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "front/DebugInfo.h"
+#include "engine/DebugInfo.h"
 #include "pelmora.h"
 
 TEST(LogOutput, DebugSwitch) {

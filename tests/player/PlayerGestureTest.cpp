@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "PlayerFixture.h"
-#include "front/DebugInfo.h"
+#include "engine/DebugInfo.h"
 #include "support/AllocationCounter.h"
 #include "support/Printed.h"
 

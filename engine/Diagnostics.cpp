@@ -1,4 +1,4 @@
-#include "front/Diagnostics.h"
+#include "engine/Diagnostics.h"
 
 #include <cstdio>
 
