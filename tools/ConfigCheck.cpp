@@ -1,23 +1,21 @@
 #include "tools/ConfigCheck.h"
 
+#include <algorithm>
+#include <climits>
 #include <optional>
 #include <ostream>
-#include <regex>
 #include <vector>
 
 #include "pelmora.h"
+#include "tools/CompileLog.h"
 #include "tools/ConfigDocument.h"
 #include "tools/LibrarySession.h"
+#include "tools/LinePattern.h"
 #include "tools/StdoutCapture.h"
 
 namespace PelmoraTool {
 
 namespace {
-
-struct Problem {
-    std::optional<XmlPlace> place;
-    std::string text;
-};
 
 struct LibraryRun {
     bool loaded = false;
@@ -41,125 +39,7 @@ LibraryRun RunLibrary(const std::string& path) {
     return run;
 }
 
-template <class T>
-const T* At(const std::vector<T>& items, size_t index) {
-    return index < items.size() ? &items[index] : nullptr;
-}
-
-// The library's compile messages.
-const std::regex kProcessingBegin("Begin To Compiler Processing Index:(\\d+)");
-const std::regex kProcessingSucceeded("Compiler Processing Index:\\d+ Succeed");
-const std::regex kProcessingFailed("Processing Index:\\d+ Compiler Failed!");
-const std::regex kFunctionFailed("Function Compiler Failed! Index:(\\d+)");
-const std::regex kGestureBegin("Gesture:.* Begin to Compiler");
-const std::regex kGestureSucceeded("Gesture:.* Compiler Succeed!");
-const std::regex kGestureFailed("Gesture Compiler failed! Index == (\\d+)");
-const std::regex kSegmentFailed("PlayerIndex:\\d+ Gesture:.* Segment (\\d+) Compiler Failed!");
-const std::regex kQualificationFailed("PlayerIndex: \\d+ Qualification Index (\\d+) Compiler Failed!");
-const std::regex kValueTypeRefused(".* type is undefine value type!!");
-const std::regex kLoadError("(.*) \\(row (\\d+), column (\\d+)\\)");
-
-std::optional<XmlPlace> PlaceOf(const XmlPlace* place) { return place ? std::optional<XmlPlace>(*place) : std::nullopt; }
-
-// Reads the library's compile messages in order. Detail lines ("X is a
-// undefine value!", "Qualification param 0 value not found") come before the
-// line that says which function or qualification failed, so they wait until
-// that line places them.
-class LogLocator {
-public:
-    explicit LogLocator(const ConfigDocument& document) : m_Document(document) {}
-
-    std::vector<Problem> Locate(const std::vector<std::string>& lines) {
-        for (const std::string& line : lines) Read(line);
-        return m_Problems;
-    }
-
-private:
-    void Read(const std::string& line) {
-        std::smatch m;
-        if (IsProgress(line)) return;
-        if (std::regex_match(line, m, kProcessingBegin)) {
-            m_Processing = std::stoul(m[1]);
-            return;
-        }
-        if (std::regex_match(line, kGestureBegin)) {
-            m_Gesture = m_GesturesBegun++;
-            return;
-        }
-        if (std::regex_match(line, m, kFunctionFailed)) {
-            Add(line);
-            PlacePending(FunctionPlace(std::stoul(m[1])));
-            return;
-        }
-        if (std::regex_match(line, kProcessingFailed)) {
-            const ProcessingEntry* processing = At(m_Document.processings, m_Processing);
-            m_Problems.push_back({PlaceOf(processing ? &processing->place : nullptr), line});
-            return;
-        }
-        if (std::regex_match(line, m, kQualificationFailed)) {
-            Add(line);
-            m_Qualification = std::stoul(m[1]);
-            return;
-        }
-        if (std::regex_match(line, m, kSegmentFailed)) {
-            PlaceSegmentFailure(line, std::stoul(m[1]));
-            return;
-        }
-        if (std::regex_match(line, m, kGestureFailed)) {
-            const GestureEntry* gesture = At(m_Document.gestures, std::stoul(m[1]));
-            m_Problems.push_back({PlaceOf(gesture ? &gesture->place : nullptr), line});
-            return;
-        }
-        if (std::regex_match(line, kValueTypeRefused)) {
-            m_Problems.push_back({PlaceOf(At(m_Document.refusedValueTypes, m_RefusedTypes++)), line});
-            return;
-        }
-        if (line == "Quaternion is not supported in this version.") {
-            m_Problems.push_back({PlaceOf(At(m_Document.quaternions, m_Quaternions++)), line});
-            return;
-        }
-        Add(line);
-    }
-
-    // Lines that report progress, not problems.
-    static bool IsProgress(const std::string& line) {
-        return std::regex_match(line, kProcessingSucceeded) || std::regex_match(line, kGestureSucceeded) ||
-               line == "All GestureConfig Compiler Succeed!!";
-    }
-
-    void Add(const std::string& line) {
-        m_Pending.push_back(m_Problems.size());
-        m_Problems.push_back({std::nullopt, line});
-    }
-
-    void PlacePending(std::optional<XmlPlace> place) {
-        for (size_t index : m_Pending) m_Problems[index].place = place;
-        m_Pending.clear();
-    }
-
-    std::optional<XmlPlace> FunctionPlace(size_t function) const {
-        const ProcessingEntry* processing = At(m_Document.processings, m_Processing);
-        return PlaceOf(processing ? At(processing->functions, function) : nullptr);
-    }
-
-    void PlaceSegmentFailure(const std::string& line, size_t segmentIndex) {
-        const GestureEntry* gesture = At(m_Document.gestures, m_Gesture);
-        const SegmentEntry* segment = gesture ? At(gesture->segments, segmentIndex) : nullptr;
-        const QualificationEntry* qualification = segment ? At(segment->qualifications, m_Qualification) : nullptr;
-        PlacePending(PlaceOf(qualification ? &qualification->place : nullptr));
-        m_Problems.push_back({PlaceOf(segment ? &segment->place : nullptr), line});
-    }
-
-    const ConfigDocument& m_Document;
-    std::vector<Problem> m_Problems;
-    std::vector<size_t> m_Pending;
-    size_t m_Processing = 0;
-    size_t m_Gesture = 0;
-    size_t m_GesturesBegun = 0;
-    size_t m_Qualification = 0;
-    size_t m_RefusedTypes = 0;
-    size_t m_Quaternions = 0;
-};
+const LinePattern kLoadError("* (row #, column #)");
 
 void Print(std::ostream& out, const std::string& path, const Problem& problem) {
     out << path << ':';
@@ -167,12 +47,13 @@ void Print(std::ostream& out, const std::string& path, const Problem& problem) {
     out << ' ' << problem.text << '\n';
 }
 
+int Coordinate(size_t number) { return static_cast<int>(std::min<size_t>(number, INT_MAX)); }
+
 // "Error reading end tag. (row 12, column 5)" becomes "path:12:5: Error reading end tag.".
 Problem LoadProblem(const std::string& error) {
-    std::smatch m;
-    if (!std::regex_match(error, m, kLoadError))
-        return {std::nullopt, error.empty() ? "the file does not load" : error};
-    return {XmlPlace{std::stoi(m[2]), std::stoi(m[3])}, m[1]};
+    const auto m = kLoadError.Match(error);
+    if (!m) return {std::nullopt, error.empty() ? "the file does not load" : error};
+    return {XmlPlace{Coordinate(m->numbers[0]), Coordinate(m->numbers[1])}, m->any};
 }
 
 std::string Counted(size_t count, const char* noun) {
@@ -189,7 +70,7 @@ int ConfigCheck::Run(const std::string& path, std::ostream& out) {
         return 1;
     }
     const ConfigDocument document = ConfigDocument::Load(path);
-    std::vector<Problem> problems = LogLocator(document).Locate(run.lines);
+    std::vector<Problem> problems = CompileLog(document).Locate(run.lines);
     for (const ConfigNote& note : document.ignored) problems.push_back({note.place, note.text});
     for (const Problem& problem : problems) Print(out, path, problem);
     if (!run.compiled) {

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "pelmora.h"
+#include "tools/CompileLog.h"
 #include "tools/StdoutCapture.h"
 
 namespace PelmoraTool {
@@ -30,8 +31,8 @@ bool LibrarySession::Load(const std::string& configPath) { return LoadConfigFile
 
 bool LibrarySession::Compile() { return StartGestureWork(); }
 
-// The library's progress lines are of no interest when all goes well; when
-// it does not, they go to standard error ahead of the error.
+// The library's progress lines are of no interest; when loading or compiling
+// fails, its other lines go to standard error ahead of the error.
 void LibrarySession::LoadAndCompile(const std::string& configPath) {
     StdoutCapture capture;
     if (!Load(configPath)) {
@@ -47,7 +48,9 @@ void LibrarySession::LoadAndCompile(const std::string& configPath) {
 }
 
 void LibrarySession::ShowLines(const std::vector<std::string>& lines) {
-    for (const std::string& line : lines) std::cerr << line << '\n';
+    for (const std::string& line : lines) {
+        if (!CompileLog::IsProgress(line)) std::cerr << line << '\n';
+    }
 }
 
 }  // namespace PelmoraTool

@@ -20,6 +20,7 @@ const double kTop = 10.0;
 const double kPlotHeight = 70.0;
 const double kLaneGap = 12.0;
 const double kAxisHeight = 30.0;
+const double kMaxTicks = 20.0;
 const char* const kLabelColours[] = {"#f2c94c", "#6fcf97", "#56ccf2", "#bb6bd9", "#f2994a", "#eb5757"};
 
 std::string Escape(const std::string& text) {
@@ -154,7 +155,12 @@ void WriteAxis(std::ostream& out, const PlayerTimeline& player, const TimeScale&
     out << "<g class=\"axis\">\n<line x1=\"" << Px(kLeft) << "\" x2=\"" << Px(kWidth - kRight) << "\" y1=\"" << Px(top)
         << "\" y2=\"" << Px(top) << "\"/>\n";
     const double step = TickStep(scale.spanMs);
-    for (double t = std::ceil(player.startMs / step) * step; t <= player.startMs + scale.spanMs; t += step) {
+    const double first = std::ceil(player.startMs / step) * step;
+    // Counted rather than stepped: far from zero, adding a step a thousand
+    // times smaller than the time itself leaves the time unchanged.
+    const double count = std::min(std::floor((player.startMs + scale.spanMs - first) / step), kMaxTicks);
+    for (int k = 0; k <= count; ++k) {
+        const double t = first + k * step;
         const double x = scale.X(t);
         out << "<line x1=\"" << Px(x) << "\" x2=\"" << Px(x) << "\" y1=\"" << Px(top) << "\" y2=\"" << Px(top + 5)
             << "\"/><text x=\"" << Px(x) << "\" y=\"" << Px(top + 18) << "\">" << Seconds(t) << "</text>\n";
