@@ -1,24 +1,36 @@
 #include "tools/Csv.h"
 
+#include <stdexcept>
+
 namespace PelmoraTool {
 namespace Csv {
 
-std::vector<std::string> Split(const std::string& line, char separator) {
-    std::vector<std::string> fields(1);
+void Split(const std::string& line, std::vector<std::string>& fields, char separator) {
+    size_t count = 1;
+    if (fields.empty()) fields.emplace_back();
+    fields[0].clear();
     bool quoted = false;
     for (size_t i = 0; i < line.size(); ++i) {
         const char c = line[i];
         if (quoted && c == '"' && i + 1 < line.size() && line[i + 1] == '"') {
-            fields.back() += '"';
+            fields[count - 1] += '"';
             ++i;
         } else if (c == '"') {
             quoted = !quoted;
         } else if (c == separator && !quoted) {
-            fields.emplace_back();
+            if (fields.size() == count) fields.emplace_back();
+            fields[count++].clear();
         } else {
-            fields.back() += c;
+            fields[count - 1] += c;
         }
     }
+    if (quoted) throw std::runtime_error("a quoted field is not closed on its line");
+    fields.resize(count);
+}
+
+std::vector<std::string> Split(const std::string& line, char separator) {
+    std::vector<std::string> fields;
+    Split(line, fields, separator);
     return fields;
 }
 

@@ -48,11 +48,7 @@ std::vector<int32_t> KinectOrder() {
     return types;
 }
 
-float Coordinate(const std::string& text) {
-    float value = 0.0f;
-    if (!Numbers::Parse(text, value)) throw std::runtime_error("not a number: \"" + text + "\"");
-    return value;
-}
+float Coordinate(const std::string& text) { return Numbers::ReadFloat(text, "coordinate"); }
 
 std::vector<std::string> Words(const std::string& text) {
     std::istringstream in(text);
@@ -101,8 +97,7 @@ Point3 PrecogJoint(const std::string& field) {
 
 // Action 0 is "no action": no label.
 std::string PrecogLabel(const std::string& field) {
-    long long action = 0;
-    if (!Numbers::Parse(field, action)) throw std::runtime_error("action id is not an integer: \"" + field + "\"");
+    const long long action = Numbers::ReadInteger(field, "action id");
     return action == 0 ? "" : std::to_string(action);
 }
 
@@ -162,7 +157,7 @@ Recording Importers::FromTimestampCsv(std::istream& in) {
         if (fields.size() < 1 + 3 * recording.joints.size())
             throw std::runtime_error("expected at least " + std::to_string(1 + 3 * recording.joints.size()) + " fields");
         RecordedFrame frame;
-        if (!Numbers::Parse(fields[0], frame.timeMs)) throw std::runtime_error("Timestamp is not a number: \"" + fields[0] + "\"");
+        frame.timeMs = Numbers::ReadDouble(fields[0], "Timestamp");
         for (size_t first = 1; frame.joints.size() < recording.joints.size(); first += 3) {
             frame.joints.push_back(Point3{Coordinate(fields[first]), Coordinate(fields[first + 1]), Coordinate(fields[first + 2])});
         }
@@ -180,9 +175,7 @@ Recording Importers::FromKinectText(std::istream& in) {
         if (words.size() != fieldCount)
             throw std::runtime_error("expected " + std::to_string(fieldCount) + " fields, found " + std::to_string(words.size()));
         RecordedFrame frame;
-        double micros = 0.0;
-        if (!Numbers::Parse(words[0], micros)) throw std::runtime_error("timestamp is not a number: \"" + words[0] + "\"");
-        frame.timeMs = micros / 1000.0;
+        frame.timeMs = Numbers::ReadDouble(words[0], "timestamp") / 1000.0;
         bool tracked = false;
         for (size_t first = 1; first < fieldCount; first += 4) {
             const Point3 joint{Coordinate(words[first]), Coordinate(words[first + 1]), Coordinate(words[first + 2])};

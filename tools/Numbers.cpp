@@ -1,6 +1,8 @@
 #include "tools/Numbers.h"
 
 #include <charconv>
+#include <cmath>
+#include <stdexcept>
 
 namespace PelmoraTool {
 namespace Numbers {
@@ -14,13 +16,27 @@ std::string FormatShortest(T value) {
     return std::string(buffer, result.ptr);
 }
 
+std::runtime_error Refused(const std::string& what, const char* fault, const std::string& text) {
+    return std::runtime_error(what + " is " + fault + ": \"" + text + "\"");
+}
+
 template <class T>
-bool ParseWhole(const std::string& text, T& value) {
+T ReadWhole(const std::string& text, const std::string& what, const char* kind) {
     const std::string trimmed = Trim(text);
-    if (trimmed.empty()) return false;
     const char* end = trimmed.data() + trimmed.size();
+    T value{};
     const std::from_chars_result result = std::from_chars(trimmed.data(), end, value);
-    return result.ec == std::errc() && result.ptr == end;
+    if (trimmed.empty() || result.ptr != end) throw Refused(what, kind, text);
+    if (result.ec == std::errc::result_out_of_range) throw Refused(what, "out of range", text);
+    if (result.ec != std::errc()) throw Refused(what, kind, text);
+    return value;
+}
+
+template <class T>
+T ReadFinite(const std::string& text, const std::string& what) {
+    const T value = ReadWhole<T>(text, what, "not a number");
+    if (!std::isfinite(value)) throw Refused(what, "not finite", text);
+    return value;
 }
 
 }  // namespace
@@ -28,9 +44,11 @@ bool ParseWhole(const std::string& text, T& value) {
 std::string Format(double value) { return FormatShortest(value); }
 std::string Format(float value) { return FormatShortest(value); }
 
-bool Parse(const std::string& text, double& value) { return ParseWhole(text, value); }
-bool Parse(const std::string& text, float& value) { return ParseWhole(text, value); }
-bool Parse(const std::string& text, long long& value) { return ParseWhole(text, value); }
+double ReadDouble(const std::string& text, const std::string& what) { return ReadFinite<double>(text, what); }
+float ReadFloat(const std::string& text, const std::string& what) { return ReadFinite<float>(text, what); }
+long long ReadInteger(const std::string& text, const std::string& what) {
+    return ReadWhole<long long>(text, what, "not an integer");
+}
 
 std::string Trim(const std::string& text) {
     const char* blanks = " \t\r";

@@ -1,5 +1,6 @@
 // Numbers - locale-independent number texts for the recording files, the
 // event lines and the report: shortest forms that read back exactly.
+// Stateless: safe from any thread.
 #pragma once
 
 #include <string>
@@ -10,10 +11,13 @@ namespace Numbers {
 std::string Format(double value);
 std::string Format(float value);
 
-// The whole text (blanks around it allowed) must be the number.
-bool Parse(const std::string& text, double& value);
-bool Parse(const std::string& text, float& value);
-bool Parse(const std::string& text, long long& value);
+// The whole text (blanks around it allowed) must be the number, and a real
+// one finite. Each throws std::runtime_error naming `what` and the text:
+// "<what> is not a number", "is not an integer", "is out of range" or
+// "is not finite".
+double ReadDouble(const std::string& text, const std::string& what);
+float ReadFloat(const std::string& text, const std::string& what);
+long long ReadInteger(const std::string& text, const std::string& what);
 
 // The text without blanks, tabs and carriage returns at either end.
 std::string Trim(const std::string& text);

@@ -2,7 +2,9 @@
 //   time_ms,player,<Joint>.x,<Joint>.y,<Joint>.z,...[,label]
 // <Joint> is a skeleton value name without its "P_" prefix; the column order
 // of the joints is the slot order handed to the library. One row per frame
-// and player, in time order.
+// and player, in time order. A Recording holds a whole file in memory, for
+// the importers and tests; replays stream through RecordingReader instead.
+// Not thread-safe.
 #pragma once
 
 #include <cstdint>
@@ -27,23 +29,15 @@ public:
     bool hasLabels = false;
     std::vector<RecordedFrame> frames;
 
-    // Both throw std::runtime_error naming the line at fault.
+    // Both read through RecordingReader and throw its errors.
     static Recording Read(std::istream& in);
     static Recording ReadFile(const std::string& path);
     void Write(std::ostream& out) const;
     void WriteFile(const std::string& path) const;
 
-    // The distinct player numbers in ascending order: the library's players
-    // 0..N-1 in that order.
-    std::vector<long long> Players() const;
-
     // "Head" .. "RightFoot" to joint types 1..24; 0 when unknown.
     static int32_t JointType(const std::string& name);
     static std::string JointName(int32_t type);
-
-private:
-    void ReadHeader(const std::string& line);
-    RecordedFrame ReadRow(const std::string& line) const;
 };
 
 }  // namespace PelmoraTool

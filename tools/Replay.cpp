@@ -46,25 +46,29 @@ std::vector<std::vector<std::string>> Descriptions(const GestureEntry& gesture) 
 
 }  // namespace
 
-Replay::Replay(const Recording& recording, const ReplayOptions& options, EventSink sink)
-    : m_Recording(recording), m_Options(options), m_Sink(std::move(sink)), m_PlayerIds(recording.Players()) {}
+Replay::Replay(const std::string& recordingPath, const ReplayOptions& options, EventSink sink)
+    : m_Path(recordingPath), m_Options(options), m_Sink(std::move(sink)) {}
 
 Timeline Replay::Run(const std::string& configPath) {
-    if (m_Recording.frames.empty()) throw std::runtime_error("the recording has no frames");
-    const int players = static_cast<int>(m_PlayerIds.size());
-    LibrarySession session(players + (m_Options.worker ? 1 : 0), m_Recording.joints, m_Options.worker);
+    RecordingReader scan(m_Path);
+    m_Summary = scan.Summarise();
+    m_Joints = scan.Joints();
+    if (m_Summary.frames == 0) throw std::runtime_error(m_Path + ": the recording has no frames");
+    const int players = static_cast<int>(m_Summary.players.size());
+    LibrarySession session(players + (m_Options.worker ? 1 : 0), m_Joints, m_Options.worker);
     SetTimeSource(&ReadClock, &m_Clock);
-    m_Clock = Ticks(m_Recording.frames.front().timeMs);
+    m_Clock = Ticks(m_Summary.firstMs);
     session.LoadAndCompile(configPath);
     ChooseGestures();
-    m_Players.resize(m_PlayerIds.size());
+    m_Players.resize(m_Summary.players.size());
     for (int p = 0; p < players; ++p) m_Players[p].records.resize(std::max<uint64_t>(1, GetGestureNum(p)));
     if (m_Options.keepTimeline) PrepareTimeline(configPath);
+    RecordingReader reader(m_Path);
     m_Start = std::chrono::steady_clock::now();
     if (m_Options.worker) {
-        RunWorker();
+        RunWorker(reader);
     } else {
-        RunImmediate();
+        RunImmediate(reader);
     }
     return m_Timeline;
 }
@@ -88,15 +92,21 @@ uint32_t Replay::GestureNamed(const std::string& name) const {
 }
 
 int Replay::PlayerIndex(long long player) const {
-    return static_cast<int>(std::lower_bound(m_PlayerIds.begin(), m_PlayerIds.end(), player) - m_PlayerIds.begin());
+    const std::vector<RecordedPlayer>& players = m_Summary.players;
+    const auto found = std::lower_bound(players.begin(), players.end(), player,
+                                        [](const RecordedPlayer& entry, long long number) { return entry.number < number; });
+    return static_cast<int>(found - players.begin());
 }
 
 void Replay::PrepareTimeline(const std::string& configPath) {
     const ConfigDocument document = ConfigDocument::Load(configPath);
     PelmoraLib::GestureTable* table = PelmoraLib::Pelmora::Get()->GetGestureTable(0);
     m_Timeline.config = configPath;
-    for (size_t p = 0; p < m_PlayerIds.size(); ++p) {
-        PlayerTimeline player = PlayerTimeline::FromRecording(m_Recording, m_PlayerIds[p]);
+    for (size_t p = 0; p < m_Summary.players.size(); ++p) {
+        PlayerTimeline player;
+        player.player = m_Summary.players[p].number;
+        player.startMs = m_Summary.players[p].firstMs;
+        player.endMs = m_Summary.players[p].lastMs;
         for (uint32_t g : m_Enabled) {
             GestureLane lane;
             lane.name = m_GestureNames[g];
@@ -125,47 +135,63 @@ BaseValue* Replay::PlotSource(int player, const std::string& name) const {
     return part;
 }
 
-void Replay::RunImmediate() {
+void Replay::RunImmediate(RecordingReader& reader) {
     for (size_t p = 0; p < m_Players.size(); ++p) {
         SetPlayerImmediate(static_cast<int>(p), true);
         for (uint32_t g : m_Enabled) SetPlayerGestureImmediate(static_cast<int>(p), g, true);
     }
-    const int32_t slots = static_cast<int32_t>(m_Recording.joints.size());
-    ProgressBar progress(m_Recording.frames.size());
-    for (size_t i = 0; i < m_Recording.frames.size(); ++i) {
-        const RecordedFrame& frame = m_Recording.frames[i];
-        const int p = PlayerIndex(frame.player);
+    const int32_t slots = static_cast<int32_t>(m_Joints.size());
+    ProgressBar progress(m_Summary.frames);
+    RecordedFrame frame;
+    for (size_t row = 0; reader.Next(frame); ++row) {
+        const int p = Feed(row, frame);
         Advance(frame.timeMs);
         uint32_t count = 0;
         if (UpdateSketonDataImmediate(p, frame.joints.data(), slots, m_Players[p].records.data(), &count))
-            Deliver(p, i, frame.timeMs, count);
-        progress.Update(i + 1);
+            Deliver(p, frame.timeMs, count);
+        progress.Update(row + 1);
     }
 }
 
-void Replay::RunWorker() {
+// The worker evaluates all rows of one time in one pass.
+void Replay::RunWorker(RecordingReader& reader) {
     WarmUpPassMarker();
     EnableQueued();
-    const std::vector<RecordedFrame>& frames = m_Recording.frames;
-    const int32_t slots = static_cast<int32_t>(m_Recording.joints.size());
-    ProgressBar progress(frames.size());
-    for (size_t first = 0, end = 0; first < frames.size(); first = end) {
-        const double timeMs = frames[first].timeMs;
+    const int32_t slots = static_cast<int32_t>(m_Joints.size());
+    ProgressBar progress(m_Summary.frames);
+    RecordedFrame frame;
+    size_t row = 0;
+    for (bool more = reader.Next(frame); more;) {
+        const double timeMs = frame.timeMs;
         Advance(timeMs);
-        for (end = first; end < frames.size() && frames[end].timeMs == timeMs; ++end) {
-            const int p = PlayerIndex(frames[end].player);
-            UpdateSketonData(p, frames[end].joints.data(), slots);
-            m_Players[p].lastFrame = end;
-            m_Players[p].fed = true;
-        }
+        do {
+            const int p = Feed(row++, frame);
+            UpdateSketonData(p, frame.joints.data(), slots);
+            if (!m_Players[p].inPass) m_PassOrder.push_back(p);
+            m_Players[p].inPass = true;
+            more = reader.Next(frame);
+        } while (more && frame.timeMs == timeMs);
         OnIdle();
         WaitForPass();
         // In row order, as immediate mode reports them; then the players
         // whose last frame was evaluated again.
-        for (size_t row = first; row < end; ++row) Collect(PlayerIndex(frames[row].player), timeMs);
+        for (int p : m_PassOrder) Collect(p, timeMs);
         for (size_t p = 0; p < m_Players.size(); ++p) Collect(static_cast<int>(p), timeMs);
-        progress.Update(end);
+        for (int p : m_PassOrder) m_Players[p].inPass = false;
+        m_PassOrder.clear();
+        progress.Update(row);
     }
+}
+
+// Notes the row as the player's newest and returns the player.
+int Replay::Feed(size_t row, const RecordedFrame& frame) {
+    const int p = PlayerIndex(frame.player);
+    PlayerState& state = m_Players[p];
+    state.lastFrame = row;
+    state.lastLabel = frame.label;
+    state.fed = true;
+    if (m_Options.keepTimeline) m_Timeline.players[p].AddFrame(frame.timeMs, frame.label);
+    return p;
 }
 
 // Takes the player's results of the pass, once.
@@ -173,7 +199,7 @@ void Replay::Collect(int player, double timeMs) {
     uint32_t count = 0;
     PlayerState& state = m_Players[player];
     if (state.fed && GetPlayerGestureState(player, state.records.data(), &count))
-        Deliver(player, state.lastFrame, timeMs, count);
+        Deliver(player, timeMs, count);
 }
 
 void Replay::EnableQueued() {
@@ -188,7 +214,7 @@ void Replay::EnableQueued() {
 // the worker still waits for its first pass.
 void Replay::WarmUpPassMarker() {
     const int marker = static_cast<int>(m_Players.size());
-    const std::vector<Point3> frame(m_Recording.joints.size(), Point3{0.0f, 0.0f, 1.0f});
+    const std::vector<Point3> frame(m_Joints.size(), Point3{0.0f, 0.0f, 1.0f});
     const int32_t slots = static_cast<int32_t>(frame.size());
     const uint32_t start = m_Clock;
     m_MarkerRecords.resize(std::max<uint64_t>(1, GetGestureNum(marker)));
@@ -216,28 +242,28 @@ void Replay::WaitForPass() {
 void Replay::Advance(double timeMs) {
     m_Clock = Ticks(timeMs);
     if (!m_Options.realtime) return;
-    const double sinceFirst = timeMs - m_Recording.frames.front().timeMs;
+    const double sinceFirst = timeMs - m_Summary.firstMs;
     std::this_thread::sleep_until(m_Start + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
                                                 std::chrono::duration<double, std::milli>(sinceFirst)));
 }
 
-void Replay::Deliver(int player, size_t frame, double timeMs, uint32_t count) {
-    for (uint32_t k = 0; k < count; ++k) HandleRecord(player, frame, timeMs, m_Players[player].records[k]);
+void Replay::Deliver(int player, double timeMs, uint32_t count) {
+    for (uint32_t k = 0; k < count; ++k) HandleRecord(player, timeMs, m_Players[player].records[k]);
     SamplePlots(player, timeMs);
 }
 
-void Replay::HandleRecord(int player, size_t frame, double timeMs, const PelmoraResult24& record) {
+void Replay::HandleRecord(int player, double timeMs, const PelmoraResult24& record) {
     const uint32_t gesture = static_cast<uint32_t>(record.gestureIndex);
     const uint32_t segment = static_cast<uint32_t>(record.segmentIndex);
     uint32_t waitingIn = 0;
     if (record.finished) {
-        Emit(player, frame, timeMs, gesture, EventKind::Finished, segment);
+        Emit(player, timeMs, gesture, EventKind::Finished, segment);
     } else if (record.succeeded) {
-        Emit(player, frame, timeMs, gesture, EventKind::Advanced, segment);
+        Emit(player, timeMs, gesture, EventKind::Advanced, segment);
         waitingIn = segment + 1;
     } else {
         waitingIn = HandleFailure(player, record);
-        if (waitingIn == 0 && segment > 0) Emit(player, frame, timeMs, gesture, EventKind::Reset, segment);
+        if (waitingIn == 0 && segment > 0) Emit(player, timeMs, gesture, EventKind::Reset, segment);
     }
     if (GestureLane* lane = Lane(player, gesture)) lane->progress.push_back({timeMs, static_cast<double>(waitingIn)});
 }
@@ -253,15 +279,15 @@ uint32_t Replay::HandleFailure(int player, const PelmoraResult24& record) {
     return failure.reset ? 0 : segment;
 }
 
-void Replay::Emit(int player, size_t frame, double timeMs, uint32_t gesture, EventKind kind, uint32_t segment) {
+void Replay::Emit(int player, double timeMs, uint32_t gesture, EventKind kind, uint32_t segment) {
     GestureEvent event;
     event.timeMs = timeMs;
-    event.frame = frame;
-    event.player = m_PlayerIds[player];
+    event.frame = m_Players[player].lastFrame;
+    event.player = m_Summary.players[player].number;
     event.gesture = m_GestureNames[gesture];
     event.kind = kind;
     event.segment = segment;
-    event.label = m_Recording.frames[frame].label;
+    event.label = m_Players[player].lastLabel;
     m_Sink(event);
     GestureLane* lane = Lane(player, gesture);
     if (lane && kind != EventKind::Advanced) lane->markers.push_back({timeMs, kind, segment});

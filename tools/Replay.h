@@ -9,6 +9,12 @@
 // row at that time has its last frame evaluated again (events name that
 // frame). To know when a pass is over, the library gets one extra player
 // that is evaluated last in every pass and has no gesture enabled.
+//
+// The recording is read twice as a stream: once to check it whole and learn
+// its players before the library starts, once to feed it. Memory stays
+// bounded by the players (at most RecordingReader::kMaxPlayers) and one
+// frame, whatever the length of the recording. Not thread-safe: the library
+// is a process-wide singleton, so one replay runs at a time.
 #pragma once
 
 #include <atomic>
@@ -20,7 +26,7 @@
 
 #include "pelmora.h"
 #include "tools/GestureEvent.h"
-#include "tools/Recording.h"
+#include "tools/RecordingReader.h"
 #include "tools/Timeline.h"
 
 namespace PelmoraLib {
@@ -41,18 +47,20 @@ class Replay {
 public:
     using EventSink = std::function<void(const GestureEvent&)>;
 
-    Replay(const Recording& recording, const ReplayOptions& options, EventSink sink);
+    Replay(const std::string& recordingPath, const ReplayOptions& options, EventSink sink);
 
-    // Throws std::runtime_error when the recording is empty, the
-    // configuration does not load or compile, a gesture or value is unknown,
-    // or the worker stops answering.
+    // Throws std::runtime_error when the recording is unreadable or empty,
+    // the configuration does not load or compile, a gesture or value is
+    // unknown, or the worker stops answering.
     Timeline Run(const std::string& configPath);
 
 private:
     struct PlayerState {
         std::vector<PelmoraResult24> records;
-        size_t lastFrame = 0;
+        size_t lastFrame = 0;     // the recording's row the player was last fed
+        std::string lastLabel;    // and its label
         bool fed = false;
+        bool inPass = false;      // has a row in the worker's current pass
         std::vector<PelmoraLib::BaseValue*> plots;
     };
 
@@ -62,26 +70,29 @@ private:
     void PrepareTimeline(const std::string& configPath);
     PelmoraLib::BaseValue* PlotSource(int player, const std::string& name) const;
 
-    void RunImmediate();
-    void RunWorker();
+    void RunImmediate(RecordingReader& reader);
+    void RunWorker(RecordingReader& reader);
+    int Feed(size_t row, const RecordedFrame& frame);
     void EnableQueued();
     void WarmUpPassMarker();
     void WaitForPass();
     void Collect(int player, double timeMs);
     void Advance(double timeMs);
 
-    void Deliver(int player, size_t frame, double timeMs, uint32_t count);
-    void HandleRecord(int player, size_t frame, double timeMs, const PelmoraResult24& record);
+    void Deliver(int player, double timeMs, uint32_t count);
+    void HandleRecord(int player, double timeMs, const PelmoraResult24& record);
     uint32_t HandleFailure(int player, const PelmoraResult24& record);
-    void Emit(int player, size_t frame, double timeMs, uint32_t gesture, EventKind kind, uint32_t segment);
+    void Emit(int player, double timeMs, uint32_t gesture, EventKind kind, uint32_t segment);
     GestureLane* Lane(int player, uint32_t gesture);
     void SamplePlots(int player, double timeMs);
 
-    const Recording& m_Recording;
+    std::string m_Path;
     ReplayOptions m_Options;
     EventSink m_Sink;
-    std::vector<long long> m_PlayerIds;
+    RecordingSummary m_Summary;
+    std::vector<int32_t> m_Joints;
     std::vector<PlayerState> m_Players;
+    std::vector<int> m_PassOrder;  // players with a row in the worker's pass, in row order
     std::vector<PelmoraResult24> m_MarkerRecords;
     std::vector<std::string> m_GestureNames;  // by gesture index
     std::vector<uint32_t> m_Enabled;

@@ -27,24 +27,11 @@ WhyNot GestureLane::Explain() const {
     return why;
 }
 
-PlayerTimeline PlayerTimeline::FromRecording(const Recording& recording, long long player) {
-    PlayerTimeline timeline;
-    timeline.player = player;
-    bool first = true;
-    LabelSpan* open = nullptr;
-    for (const RecordedFrame& frame : recording.frames) {
-        if (frame.player != player) continue;
-        if (first) timeline.startMs = frame.timeMs;
-        first = false;
-        timeline.endMs = frame.timeMs;
-        if (open) open->endMs = frame.timeMs;
-        if (open && open->label == frame.label) continue;
-        open = nullptr;
-        if (frame.label.empty()) continue;
-        timeline.labels.push_back({frame.timeMs, frame.timeMs, frame.label});
-        open = &timeline.labels.back();
-    }
-    return timeline;
+void PlayerTimeline::AddFrame(double timeMs, const std::string& label) {
+    if (labelOpen) labels.back().endMs = timeMs;
+    if (labelOpen && labels.back().label == label) return;
+    labelOpen = !label.empty();
+    if (labelOpen) labels.push_back({timeMs, timeMs, label});
 }
 
 }  // namespace PelmoraTool

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "tools/GestureEvent.h"
-#include "tools/Recording.h"
 
 namespace PelmoraTool {
 
@@ -67,10 +66,11 @@ struct PlayerTimeline {
     std::vector<GestureLane> lanes;
     std::vector<PlotSeries> plots;
     std::vector<LabelSpan> labels;
+    bool labelOpen = false;  // the last span still grows
 
-    // Time range and label spans of one player of a recording: a span runs
-    // from its first frame to the player's next frame after it.
-    static PlayerTimeline FromRecording(const Recording& recording, long long player);
+    // Extends the label spans by the player's next frame: a span runs from
+    // its first frame to the player's next frame after it.
+    void AddFrame(double timeMs, const std::string& label);
 };
 
 struct Timeline {

@@ -56,11 +56,10 @@ void AddImport(CLI::App& app, ImportArguments& args) {
 }
 
 int RunReplay(ReplayArguments& args, std::ostream& out) {
-    const Recording recording = Recording::ReadFile(args.recording);
     EventPrinter printer(out, args.format == "jsonl", args.events == "all");
     args.options.worker = args.mode == "worker";
     args.options.keepTimeline = !args.report.empty();
-    Replay replay(recording, args.options, [&](const GestureEvent& event) { printer.Print(event); });
+    Replay replay(args.recording, args.options, [&](const GestureEvent& event) { printer.Print(event); });
     Timeline timeline = replay.Run(args.config);
     if (args.report.empty()) return 0;
     timeline.recording = args.recording;

@@ -23,7 +23,9 @@ std::vector<std::string> Lines(const std::string& text) {
     return lines;
 }
 
-std::vector<std::string> Replayed(const Recording& recording, ReplayOptions options, bool jsonl, bool allEvents,
+const std::string kWave = kData + "/wave.csv";
+
+std::vector<std::string> Replayed(const std::string& recording, ReplayOptions options, bool jsonl, bool allEvents,
                                   Timeline* timeline = nullptr) {
     std::ostringstream out;
     EventPrinter printer(out, jsonl, allEvents);
@@ -53,13 +55,11 @@ const std::vector<std::string> kAllEvents = {
 class ReplayModes : public ::testing::TestWithParam<bool> {};
 
 TEST_P(ReplayModes, PrintsEveryEventAsText) {
-    const Recording recording = Recording::ReadFile(kData + "/wave.csv");
-    EXPECT_EQ(Replayed(recording, InMode(GetParam()), false, true), kAllEvents);
+    EXPECT_EQ(Replayed(kWave, InMode(GetParam()), false, true), kAllEvents);
 }
 
 TEST_P(ReplayModes, PrintsFinishesAsJsonLinesByDefault) {
-    const Recording recording = Recording::ReadFile(kData + "/wave.csv");
-    EXPECT_EQ(Replayed(recording, InMode(GetParam()), true, false),
+    EXPECT_EQ(Replayed(kWave, InMode(GetParam()), true, false),
               (std::vector<std::string>{
                   R"({"time_ms":600.0,"frame":6,"player":0,"gesture":"RaiseHand","event":"finished","segment":1,"label":"raise"})",
                   R"({"time_ms":1600.0,"frame":16,"player":0,"gesture":"LeftStep","event":"finished","segment":1,"label":"step"})"}));
@@ -68,7 +68,7 @@ TEST_P(ReplayModes, PrintsFinishesAsJsonLinesByDefault) {
 // Player numbers 9 and 4 become the library's players 1 and 0; events name
 // the recording's numbers, and each player keeps its own progress.
 TEST_P(ReplayModes, KeepsPlayersApart) {
-    const Recording wave = Recording::ReadFile(kData + "/wave.csv");
+    const Recording wave = Recording::ReadFile(kWave);
     Recording two = wave;
     two.frames.clear();
     for (const RecordedFrame& frame : wave.frames) {
@@ -80,7 +80,9 @@ TEST_P(ReplayModes, KeepsPlayersApart) {
         two.frames.push_back(frame);
         two.frames.back().player = 4;
     }
-    EXPECT_EQ(Replayed(two, InMode(GetParam()), false, false),
+    const std::string path = ::testing::TempDir() + "pelmora_two_players.csv";
+    two.WriteFile(path);
+    EXPECT_EQ(Replayed(path, InMode(GetParam()), false, false),
               (std::vector<std::string>{"600 ms frame 13 player 4: RaiseHand finished segment 1 [raise]",
                                         "1600 ms frame 32 player 9: LeftStep finished segment 1",
                                         "1600 ms frame 33 player 4: LeftStep finished segment 1 [step]"}));
@@ -90,24 +92,22 @@ INSTANTIATE_TEST_SUITE_P(ImmediateAndWorker, ReplayModes, ::testing::Values(fals
                          [](const ::testing::TestParamInfo<bool>& info) { return info.param ? "Worker" : "Immediate"; });
 
 TEST(ReplayTest, EnablesOnlyTheChosenGestures) {
-    const Recording recording = Recording::ReadFile(kData + "/wave.csv");
     ReplayOptions options;
     options.gestures = {"LeftStep"};
-    EXPECT_EQ(Replayed(recording, options, false, false),
+    EXPECT_EQ(Replayed(kWave, options, false, false),
               (std::vector<std::string>{"1600 ms frame 16 player 0: LeftStep finished segment 1 [step]"}));
     options.gestures = {"Wave"};
-    EXPECT_THROW(Replayed(recording, options, false, false), std::runtime_error);
+    EXPECT_THROW(Replayed(kWave, options, false, false), std::runtime_error);
 }
 
 // The reset of frame 14 and the waits before it are told apart by the
 // segment time of LeftStep itself, not by the one RaiseHand left in the pool.
 TEST(ReplayTest, TimelineCountsWhichQualificationHeldEachGestureBack) {
-    const Recording recording = Recording::ReadFile(kData + "/wave.csv");
     ReplayOptions options;
     options.keepTimeline = true;
     options.plots = {"HandAboveHead", "@P_LeftFoot.x"};
     Timeline timeline;
-    Replayed(recording, options, false, false, &timeline);
+    Replayed(kWave, options, false, false, &timeline);
     ASSERT_EQ(timeline.players.size(), 1u);
     const PlayerTimeline& player = timeline.players[0];
     ASSERT_EQ(player.lanes.size(), 2u);
@@ -130,11 +130,10 @@ TEST(ReplayTest, TimelineCountsWhichQualificationHeldEachGestureBack) {
 }
 
 TEST(ReplayTest, RefusesPlotsThatAreNotNumbers) {
-    const Recording recording = Recording::ReadFile(kData + "/wave.csv");
     ReplayOptions options;
     options.keepTimeline = true;
     for (const char* plot : {"Nowhere", "P_Head"}) {
         options.plots = {plot};
-        EXPECT_THROW(Replayed(recording, options, false, false), std::runtime_error) << plot;
+        EXPECT_THROW(Replayed(kWave, options, false, false), std::runtime_error) << plot;
     }
 }
