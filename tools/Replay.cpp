@@ -20,6 +20,7 @@ namespace {
 using PelmoraLib::BaseValue;
 
 const std::chrono::seconds kWorkerTimeout(10);
+const double kLongestWaitMs = 1e12;  // about 31 years
 
 uint32_t ReadClock(void* clock) { return static_cast<std::atomic<uint32_t>*>(clock)->load(); }
 
@@ -242,7 +243,8 @@ void Replay::WaitForPass() {
 void Replay::Advance(double timeMs) {
     m_Clock = Ticks(timeMs);
     if (!m_Options.realtime) return;
-    const double sinceFirst = timeMs - m_Summary.firstMs;
+    // Capped so that the wait stays within the clock's range of nanoseconds.
+    const double sinceFirst = std::min(timeMs - m_Summary.firstMs, kLongestWaitMs);
     std::this_thread::sleep_until(m_Start + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
                                                 std::chrono::duration<double, std::milli>(sinceFirst)));
 }
