@@ -4,8 +4,8 @@
 #include <cctype>
 #include <cstdio>
 
-#include "engine/Pelmora.h"
 #include "engine/Diagnostics.h"
+#include "engine/Pelmora.h"
 #include "processing/OneVariablesFunction.h"
 #include "processing/TwoVariablesFunction.h"
 #include "values/IdentifyValues.h"
@@ -61,11 +61,8 @@ BaseFunction* FunctionConfig::Compiler(int playerIndex) {
         printf("%s is not been define in this version!!\n", m_Keyword.c_str());
         return nullptr;
     }
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located(kSite, 62, Diagnostics::kPelmora);
-        return nullptr;
-    }
+    Pelmora* engine = Pelmora::Get(kSite, 62);
+    if (!engine) return nullptr;
     IdentifyValues* pool = engine->GetIdentifyValue(playerIndex);
     if (!pool) {
         Diagnostics::Located(kSite, 64, Diagnostics::kIdentifyValues);

@@ -5,9 +5,9 @@
 #include <cstdio>
 
 #include "config/XmlText.h"
+#include "engine/Diagnostics.h"
 #include "engine/Pelmora.h"
 #include "engine/PlayerManager.h"
-#include "engine/Diagnostics.h"
 #include "values/IdentifyValues.h"
 
 namespace PelmoraLib {
@@ -35,6 +35,12 @@ GestureConfigManager::~GestureConfigManager() { Clear(); }
 GestureConfigManager* GestureConfigManager::Get() {
     if (!ms_Instance) printf("GestureConfigManager::Instance do not been created before calling get function.\n");
     return ms_Instance;
+}
+
+GestureConfigManager* GestureConfigManager::Get(const char* site, int line) {
+    GestureConfigManager* manager = Get();
+    if (!manager) Diagnostics::Located(site, line, Diagnostics::kGestureConfigManager);
+    return manager;
 }
 
 GestureConfigManager* GestureConfigManager::Create() {
@@ -92,16 +98,10 @@ bool GestureConfigManager::ParseAndLoad(const std::string& paddedText) {
 
 bool GestureConfigManager::LoadFromDoc(TiXmlDocument& document) {
     TiXmlElement* root = document.FirstChildElement("AppConfig");
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located("PelmoraLib::GestureConfigManager::LoadFromDoc", 79, Diagnostics::kPelmora);
-        return false;
-    }
-    PlayerManager* players = PlayerManager::Get();
-    if (!players) {
-        Diagnostics::Located("PelmoraLib::GestureConfigManager::LoadFromDoc", 81, Diagnostics::kPlayerManager);
-        return false;
-    }
+    Pelmora* engine = Pelmora::Get("PelmoraLib::GestureConfigManager::LoadFromDoc", 79);
+    if (!engine) return false;
+    PlayerManager* players = PlayerManager::Get("PelmoraLib::GestureConfigManager::LoadFromDoc", 81);
+    if (!players) return false;
     const int playerCount = players->GetPlayerCount();
     // "AppConfig" and every top-level element after it are sections alike.
     for (TiXmlElement* section = root; section; section = section->NextSiblingElement()) {
@@ -129,16 +129,10 @@ bool GestureConfigManager::LoadFromDoc(TiXmlDocument& document) {
 // Both compilers run for every player even after a failure: what compiles
 // stays in force.
 bool GestureConfigManager::Compiler() {
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located("PelmoraLib::GestureConfigManager::Compiler", 57, Diagnostics::kPelmora);
-        return false;
-    }
-    PlayerManager* players = PlayerManager::Get();
-    if (!players) {
-        Diagnostics::Located("PelmoraLib::GestureConfigManager::Compiler", 58, Diagnostics::kPlayerManager);
-        return false;
-    }
+    Pelmora* engine = Pelmora::Get("PelmoraLib::GestureConfigManager::Compiler", 57);
+    if (!engine) return false;
+    PlayerManager* players = PlayerManager::Get("PelmoraLib::GestureConfigManager::Compiler", 58);
+    if (!players) return false;
     bool result = true;
     for (int player = 0; player < players->GetPlayerCount(); ++player) {
         ProcessingTable* processing = engine->GetProcessingTable(player);

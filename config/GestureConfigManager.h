@@ -20,6 +20,8 @@ namespace PelmoraLib {
 class PELMORA_API GestureConfigManager {
 public:
     static GestureConfigManager* Get();
+    // Get, followed when the manager is missing by the calling site's located line.
+    static GestureConfigManager* Get(const char* site, int line);
     static GestureConfigManager* Create();
     static void Close();
     // Creates the manager (saying so when it exists) and stores the flag.

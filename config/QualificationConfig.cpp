@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "engine/Pelmora.h"
 #include "engine/Diagnostics.h"
+#include "engine/Pelmora.h"
 #include "values/IdentifyValues.h"
 
 namespace PelmoraLib {
@@ -34,11 +34,8 @@ QualificationConfig* QualificationConfig::Read(TiXmlElement* element) {
 }
 
 Qualification* QualificationConfig::Compiler(int playerIndex) {
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located("PelmoraLib::QualificationConfig::Compiler", 66, Diagnostics::kPelmora);
-        return nullptr;
-    }
+    Pelmora* engine = Pelmora::Get("PelmoraLib::QualificationConfig::Compiler", 66);
+    if (!engine) return nullptr;
     IdentifyValues* pool = engine->GetIdentifyValue(playerIndex);
     if (!pool) {
         Diagnostics::Located("PelmoraLib::QualificationConfig::Compiler", 68, Diagnostics::kIdentifyValues);

@@ -4,10 +4,10 @@
 #include <cstdio>
 
 #include "engine/Clock.h"
+#include "engine/Diagnostics.h"
 #include "engine/PlayerManager.h"
 #include "engine/ThreadCommand.h"
 #include "engine/ThreadCommandPool.h"
-#include "engine/Diagnostics.h"
 #include "gesture/GestureTable.h"
 #include "processing/ProcessingTable.h"
 #include "values/IdentifyValues.h"
@@ -46,6 +46,12 @@ Table* PlayerTable(const std::vector<std::unique_ptr<Table>>& tables, int player
 Pelmora* Pelmora::Get() {
     Pelmora* engine = ms_Instance.load(std::memory_order_acquire);
     if (!engine) printf("Pelmora::Instance do not been created before calling get function.\n");
+    return engine;
+}
+
+Pelmora* Pelmora::Get(const char* site, int line) {
+    Pelmora* engine = Get();
+    if (!engine) Diagnostics::Located(site, line, Diagnostics::kPelmora);
     return engine;
 }
 
@@ -193,11 +199,8 @@ bool Pelmora::UpdateGestureThread() {
     m_WakeEvent.Wait();
     if (!m_Running.load(std::memory_order_relaxed)) return false;
     ProcessingThreadCommand();
-    PlayerManager* players = PlayerManager::Get();
-    if (!players) {
-        Diagnostics::Located("PelmoraLib::Pelmora::UpdateGestureThread", 185, Diagnostics::kPlayerManager);
-        return false;
-    }
+    PlayerManager* players = PlayerManager::Get("PelmoraLib::Pelmora::UpdateGestureThread", 185);
+    if (!players) return false;
     {
         std::lock_guard<std::mutex> pass(m_PassLock);
         players->UpdatePlayers();

@@ -40,6 +40,8 @@ public:
     static CriticalSection m_PelmoraLock;
 
     static Pelmora* Get();
+    // Get, followed when the engine is missing by the calling site's located line.
+    static Pelmora* Get(const char* site, int line);
     // The engine or null, without a message.
     static Pelmora* Current() { return ms_Instance.load(std::memory_order_acquire); }
     static Pelmora* Create();

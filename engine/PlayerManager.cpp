@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "engine/Diagnostics.h"
+
 namespace PelmoraLib {
 
 PlayerManager* PlayerManager::ms_Instance = nullptr;
@@ -18,6 +20,12 @@ PlayerManager* PlayerManager::Create() {
 PlayerManager* PlayerManager::Get() {
     if (!ms_Instance) printf("PlayerManager::Instance do not been created before calling get function.\n");
     return ms_Instance;
+}
+
+PlayerManager* PlayerManager::Get(const char* site, int line) {
+    PlayerManager* players = Get();
+    if (!players) Diagnostics::Located(site, line, Diagnostics::kPlayerManager);
+    return players;
 }
 
 void PlayerManager::Release() {

@@ -18,6 +18,8 @@ class PlayerManager {
 public:
     static PlayerManager* Create();
     static PlayerManager* Get();
+    // Get, followed when the manager is missing by the calling site's located line.
+    static PlayerManager* Get(const char* site, int line);
     static void Release();
     static bool Exists() { return ms_Instance != nullptr; }
 

@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "engine/PlayerManager.h"
-#include "engine/Diagnostics.h"
 
 namespace PelmoraLib {
 
@@ -11,11 +10,8 @@ const RTTI ThreadCommand::ms_RTTI("ThreadCommand", nullptr);
 
 // Indices print through "%lu" as unsigned 32-bit numbers: -1 shows as 4294967295.
 Player* ThreadCommand::FindPlayer(int32_t playerIndex, const char* site, int line, const char* notFoundFormat) {
-    PlayerManager* players = PlayerManager::Get();
-    if (!players) {
-        Diagnostics::Located(site, line, Diagnostics::kPlayerManager);
-        return nullptr;
-    }
+    PlayerManager* players = PlayerManager::Get(site, line);
+    if (!players) return nullptr;
     Player* player = players->GetPlayer(playerIndex);
     if (!player) printf(notFoundFormat, static_cast<unsigned long>(static_cast<uint32_t>(playerIndex)));
     return player;

@@ -8,10 +8,10 @@
 #include <cstdint>
 
 #include "config/GestureConfigManager.h"
+#include "engine/Diagnostics.h"
 #include "engine/Pelmora.h"
 #include "engine/PlayerManager.h"
 #include "front/ApiGuard.h"
-#include "engine/Diagnostics.h"
 #include "front/WorkerPause.h"
 #include "gesture/GestureTable.h"
 #include "pelmora.h"
@@ -57,21 +57,15 @@ void ClosePelmora(void) {
 }
 
 int32_t SubThreadFPS(void) {
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located("SubThreadFPS", 83, Diagnostics::kPelmora);
-        return 0;
-    }
+    Pelmora* engine = Pelmora::Get("SubThreadFPS", 83);
+    if (!engine) return 0;
     return engine->SubThreadFPS();
 }
 
 bool LoadConfigFile(const char* path) {
     return Guarded("LoadConfigFile", false, [&] {
-        GestureConfigManager* manager = GestureConfigManager::Get();
-        if (!manager) {
-            Diagnostics::Located("LoadConfigFile", 90, Diagnostics::kGestureConfigManager);
-            return false;
-        }
+        GestureConfigManager* manager = GestureConfigManager::Get("LoadConfigFile", 90);
+        if (!manager) return false;
         WorkerPause pause(WorkerPause::PassesAndCommands);
         if (manager->LoadFromFile(path)) return true;
         printf("Loading %s failed!\n", path ? path : "(null)");
@@ -82,11 +76,8 @@ bool LoadConfigFile(const char* path) {
 bool LoadConfigData(const char* xml) {
     if (!xml) return false;
     return Guarded("LoadConfigData", false, [&] {
-        GestureConfigManager* manager = GestureConfigManager::Get();
-        if (!manager) {
-            Diagnostics::Located("LoadConfigData", 106, Diagnostics::kGestureConfigManager);
-            return false;
-        }
+        GestureConfigManager* manager = GestureConfigManager::Get("LoadConfigData", 106);
+        if (!manager) return false;
         WorkerPause pause(WorkerPause::PassesAndCommands);
         if (manager->LoadFromMemory(xml)) return true;
         printf("Loading XMLData failed!\n");
@@ -96,16 +87,10 @@ bool LoadConfigData(const char* xml) {
 
 bool StartGestureWork(void) {
     return Guarded("StartGestureWork", false, [] {
-        GestureConfigManager* manager = GestureConfigManager::Get();
-        if (!manager) {
-            Diagnostics::Located("StartGestureWork", 119, Diagnostics::kGestureConfigManager);
-            return false;
-        }
-        PlayerManager* players = PlayerManager::Get();
-        if (!players) {
-            Diagnostics::Located("StartGestureWork", 121, Diagnostics::kPlayerManager);
-            return false;
-        }
+        GestureConfigManager* manager = GestureConfigManager::Get("StartGestureWork", 119);
+        if (!manager) return false;
+        PlayerManager* players = PlayerManager::Get("StartGestureWork", 121);
+        if (!players) return false;
         WorkerPause pause(WorkerPause::PassesAndCommands);
         if (!manager->Compiler()) return false;
         printf("All GestureConfig Compiler Succeed!!\n");
@@ -115,32 +100,23 @@ bool StartGestureWork(void) {
 }
 
 void OnIdle(void) {
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located("OnIdle", 136, Diagnostics::kPelmora);
-        return;
-    }
+    Pelmora* engine = Pelmora::Get("OnIdle", 136);
+    if (!engine) return;
     engine->UpdateAll();
 }
 
 uint32_t GetGestureIndex(int32_t player, const char* name) {
     return Guarded("GetGestureIndex", kNoGesture, [&] {
-        Pelmora* engine = Pelmora::Get();
-        if (!engine) {
-            Diagnostics::Located("GetGestureIndex", 142, Diagnostics::kPelmora);
-            return kNoGesture;
-        }
+        Pelmora* engine = Pelmora::Get("GetGestureIndex", 142);
+        if (!engine) return kNoGesture;
         GestureTable* table = TableOrReport(*engine, player, "GetGestureIndex", 144);
         return table ? static_cast<uint32_t>(table->GetGestureIndex(name)) : kNoGesture;
     });
 }
 
 const char* GetGestureName(int32_t player, uint32_t gesture) {
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located("GetGestureName", 151, Diagnostics::kPelmora);
-        return "";
-    }
+    Pelmora* engine = Pelmora::Get("GetGestureName", 151);
+    if (!engine) return "";
     GestureTable* table = TableOrReport(*engine, player, "GetGestureName", 153);
     if (!table) return "";
     Gesture* found = gesture == kNoGesture ? nullptr : table->GetGesture(static_cast<size_t>(gesture));
@@ -152,11 +128,8 @@ const char* GetGestureName(int32_t player, uint32_t gesture) {
 }
 
 uint64_t GetGestureNum(int32_t player) {
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located("GetGestureNum", 163, Diagnostics::kPelmora);
-        return 0;
-    }
+    Pelmora* engine = Pelmora::Get("GetGestureNum", 163);
+    if (!engine) return 0;
     GestureTable* table = TableOrReport(*engine, player, "GetGestureNum", 166);
     return table ? table->GetGestureNum() : 0;
 }

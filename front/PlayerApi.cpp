@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "engine/Diagnostics.h"
 #include "engine/Pelmora.h"
 #include "engine/PlayerManager.h"
 #include "engine/TCResetGesture.h"
@@ -16,7 +17,6 @@
 #include "engine/TCSetPlayerState.h"
 #include "engine/ThreadCommandPool.h"
 #include "front/ApiGuard.h"
-#include "engine/Diagnostics.h"
 #include "front/WorkerPause.h"
 #include "gesture/GestureTable.h"
 #include "pelmora.h"
@@ -25,23 +25,11 @@ using namespace PelmoraLib;
 
 namespace {
 
-Pelmora* EngineOrReport(const char* site, int line) {
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) Diagnostics::Located(site, line, Diagnostics::kPelmora);
-    return engine;
-}
-
-PlayerManager* PlayersOrReport(const char* site, int line) {
-    PlayerManager* players = PlayerManager::Get();
-    if (!players) Diagnostics::Located(site, line, Diagnostics::kPlayerManager);
-    return players;
-}
-
 // Resolves a gesture name for one of the index calls.
 template <class IndexCall>
 void WithGestureIndex(const char* site, int engineLine, int tableLine, int32_t player, const char* name,
                       IndexCall call) {
-    Pelmora* engine = EngineOrReport(site, engineLine);
+    Pelmora* engine = Pelmora::Get(site, engineLine);
     if (!engine) return;
     GestureTable* table = engine->GetGestureTable(player);
     if (!table) {
@@ -54,7 +42,7 @@ void WithGestureIndex(const char* site, int engineLine, int tableLine, int32_t p
 // The progress record for an immediate call, or null after its messages.
 PlayerGestureInfo* ImmediateGesture(const char* site, int line, const char* noGestureFormat, int32_t player,
                                     uint32_t gesture) {
-    PlayerManager* players = PlayersOrReport(site, line);
+    PlayerManager* players = PlayerManager::Get(site, line);
     if (!players) return nullptr;
     Player* target = players->GetPlayer(player);
     if (!target) return nullptr;
@@ -71,7 +59,7 @@ PlayerGestureInfo* ImmediateGesture(const char* site, int line, const char* noGe
 
 void SetPlayer(int32_t player, bool track) {
     Guarded("SetPlayer", [&] {
-        Pelmora* engine = EngineOrReport("SetPlayer", 225);
+        Pelmora* engine = Pelmora::Get("SetPlayer", 225);
         if (!engine) return;
         TCSetPlayerState* command = ThreadCommandPool::Make<TCSetPlayerState>();
         command->Set(player, track);
@@ -81,7 +69,7 @@ void SetPlayer(int32_t player, bool track) {
 
 void SetPlayerGesture(int32_t player, uint32_t gesture, bool enable) {
     Guarded("SetPlayerGesture", [&] {
-        Pelmora* engine = EngineOrReport("SetPlayerGesture", 173);
+        Pelmora* engine = Pelmora::Get("SetPlayerGesture", 173);
         if (!engine) return;
         TCSetGestureState* command = ThreadCommandPool::Make<TCSetGestureState>();
         command->Set(player, gesture, enable);
@@ -96,7 +84,7 @@ void SetPlayerGestureFromName(int32_t player, const char* name, bool enable) {
 
 void ResetPlayerGesture(int32_t player, uint32_t gesture) {
     Guarded("ResetPlayerGesture", [&] {
-        Pelmora* engine = EngineOrReport("ResetPlayerGesture", 200);
+        Pelmora* engine = Pelmora::Get("ResetPlayerGesture", 200);
         if (!engine) return;
         TCResetGesture* command = ThreadCommandPool::Make<TCResetGesture>();
         command->Set(player, gesture);
@@ -113,7 +101,7 @@ void ResetPlayerGestureFromName(int32_t player, const char* name) {
 
 void SetPlayerImmediate(int32_t player, bool track) {
     WorkerPause pause(WorkerPause::PassesOnly);
-    PlayerManager* players = PlayersOrReport("SetPlayerImmediate", 314);
+    PlayerManager* players = PlayerManager::Get("SetPlayerImmediate", 314);
     if (!players) return;
     if (Player* target = players->GetPlayer(player)) target->SetIsUpdate(track);
 }
@@ -148,7 +136,7 @@ void ResetPlayerGestureImmediateFromName(int32_t player, const char* name) {
 // ---- Data.
 
 bool UpdateSketonData(int32_t player, const Point3* joints, int32_t count) {
-    PlayerManager* players = PlayersOrReport("UpdateSketonData", 325);
+    PlayerManager* players = PlayerManager::Get("UpdateSketonData", 325);
     if (!players || !joints) return false;
     Player* target = players->PlayerAt(player);
     return target && target->UpdatePlayerInfo(joints, count);
@@ -158,7 +146,7 @@ bool UpdateSketonDataImmediate(int32_t player, const Point3* joints, int32_t cou
                                uint32_t* resultCount) {
     return Guarded("UpdateSketonDataImmediate", false, [&] {
         WorkerPause pause(WorkerPause::PassesOnly);
-        PlayerManager* players = PlayersOrReport("UpdateSketonDataImmediate", 332);
+        PlayerManager* players = PlayerManager::Get("UpdateSketonDataImmediate", 332);
         if (!players) return false;
         Player* target = players->PlayerAt(player);
         if (joints && target) target->UpdatePlayerInfoImmediate(joints, count);
@@ -167,7 +155,7 @@ bool UpdateSketonDataImmediate(int32_t player, const Point3* joints, int32_t cou
 }
 
 bool GetPlayerGestureState(int32_t player, void* results, uint32_t* resultCount) {
-    PlayerManager* players = PlayersOrReport("GetPlayerGestureState", 341);
+    PlayerManager* players = PlayerManager::Get("GetPlayerGestureState", 341);
     if (!players) return false;
     Player* target = players->GetPlayer(player);
     if (!results || !resultCount || !target || !target->CheckHasNewData()) return false;
@@ -183,7 +171,7 @@ bool GetPlayerGestureState(int32_t player, void* results, uint32_t* resultCount)
 }
 
 bool GetPlayerVelocityData(int32_t player, Point3* joints, int32_t count) {
-    PlayerManager* players = PlayersOrReport("GetPlayerVelocityData", 363);
+    PlayerManager* players = PlayerManager::Get("GetPlayerVelocityData", 363);
     if (!players) return false;
     Player* target = players->GetPlayer(player);
     if (!joints || !target) return false;

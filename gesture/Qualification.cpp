@@ -7,7 +7,6 @@
 #include <string>
 
 #include "engine/Pelmora.h"
-#include "engine/Diagnostics.h"
 #include "gesture/GestureProgram.h"
 #include "values/IdentifyValues.h"
 #include "values/PartStorage.h"
@@ -171,10 +170,7 @@ Qualification::Result Qualification::CheckGeneral() {
 
 Qualification::Result Qualification::CheckAndPrint() {
     const Result result = Check();
-    if (!Pelmora::Get()) {
-        Diagnostics::Located("PelmoraLib::Qualification::CheckAndPrint", 186, Diagnostics::kPelmora);
-        return result;
-    }
+    if (!Pelmora::Get("PelmoraLib::Qualification::CheckAndPrint", 186)) return result;
     std::string line = GetResultName(result);
     line += ":";
     line += GetQualificationEnumName(m_QualificationEnum);

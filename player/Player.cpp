@@ -6,9 +6,8 @@
 #include <string>
 
 #include "engine/Clock.h"
-#include "engine/Pelmora.h"
 #include "engine/DebugInfo.h"
-#include "engine/Diagnostics.h"
+#include "engine/Pelmora.h"
 #include "gesture/GestureTable.h"
 #include "processing/ProcessingTable.h"
 #include "values/IdentifyValues.h"
@@ -175,11 +174,8 @@ BaseValue* ValueOfType(IdentifyValues& pool, uint64_t index, BaseValue::Type typ
 // ---- Skeleton layout, shared by all players.
 
 bool Player::BuildSkeletonInfo(int playerIndex) {
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located("PelmoraLib::BuildSkeletonInfo", 584, Diagnostics::kPelmora);
-        return false;
-    }
+    Pelmora* engine = Pelmora::Get("PelmoraLib::BuildSkeletonInfo", 584);
+    if (!engine) return false;
     IdentifyValues* pool = engine->GetIdentifyValue(playerIndex);
     if (!pool) {
         printf("BuildSkeletonInfo Failed!\n");
@@ -366,11 +362,8 @@ void Player::CalcSkeletonVelocity() {
 
 void Player::DoPlayerProcessing() {
     m_PassPool = nullptr;
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located("PelmoraLib::Player::DoPlayerProcessing", 701, Diagnostics::kPelmora);
-        return;
-    }
+    Pelmora* engine = Pelmora::Get("PelmoraLib::Player::DoPlayerProcessing", 701);
+    if (!engine) return;
     IdentifyValues* pool = engine->GetIdentifyValue(m_PlayerIndex);
     if (!pool) {
         printf("DoPlayerProcessing Failed!\n");
@@ -455,11 +448,8 @@ void Player::SetIsUpdate(bool update) {
 // ---- Gesture progress and results.
 
 void Player::InitGestureList() {
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located("PelmoraLib::Player::InitGestureList", 178, Diagnostics::kPelmora);
-        return;
-    }
+    Pelmora* engine = Pelmora::Get("PelmoraLib::Player::InitGestureList", 178);
+    if (!engine) return;
     IdentifyValues* pool = engine->GetIdentifyValue(m_PlayerIndex);
     if (!pool) {
         printf("InitGestureList ERROR: IdentifyValues can't be found\n");
@@ -523,11 +513,8 @@ char* Player::BuildGestureFinishResult(PlayerGestureInfo* info, char* cursor, bo
 
 bool Player::UpdateGestureInfo() {
     DoPlayerProcessing();
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located("PelmoraLib::Player::UpdateGestureInfo", 393, Diagnostics::kPelmora);
-        return false;
-    }
+    Pelmora* engine = Pelmora::Get("PelmoraLib::Player::UpdateGestureInfo", 393);
+    if (!engine) return false;
     GestureTable* table = engine->GetGestureTable(m_PlayerIndex);
     if (!m_BuildRecord) return false;
 

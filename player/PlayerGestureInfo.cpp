@@ -1,8 +1,8 @@
 #include "player/PlayerGestureInfo.h"
 
 #include "engine/Clock.h"
-#include "engine/Pelmora.h"
 #include "engine/Diagnostics.h"
+#include "engine/Pelmora.h"
 #include "values/IdentifyValues.h"
 
 namespace PelmoraLib {
@@ -41,11 +41,8 @@ void PlayerGestureInfo::UpdateTime(int playerIndex) {
     m_SegmentTime = now - m_SegmentStart;
     m_GestureTime = now - m_GestureStart;
 
-    Pelmora* engine = Pelmora::Get();
-    if (!engine) {
-        Diagnostics::Located("PelmoraLib::PlayerGestureInfo::UpdateTime", 47, Diagnostics::kPelmora);
-        return;
-    }
+    Pelmora* engine = Pelmora::Get("PelmoraLib::PlayerGestureInfo::UpdateTime", 47);
+    if (!engine) return;
     IdentifyValues* pool = engine->GetIdentifyValue(playerIndex);
     if (!pool) {
         Diagnostics::Located("PelmoraLib::PlayerGestureInfo::UpdateTime", 50, Diagnostics::kIdentifyValues);

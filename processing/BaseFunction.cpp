@@ -2,8 +2,6 @@
 
 #include <map>
 
-#include "engine/Pelmora.h"
-#include "engine/Diagnostics.h"
 
 namespace PelmoraLib {
 
@@ -18,12 +16,6 @@ bool BaseFunction::GetFunctionType(const char* keyword, Type& type) {
     if (found == keywords.end()) return false;
     type = found->second;
     return true;
-}
-
-bool BaseFunction::EngineForTrace(const char* site, int line) {
-    if (Pelmora::Get()) return true;
-    Diagnostics::Located(site, line, Diagnostics::kPelmora);
-    return false;
 }
 
 }  // namespace PelmoraLib

@@ -33,10 +33,6 @@ public:
     static bool GetFunctionType(const char* keyword, Type& type);
 
 protected:
-    // Traces print only while the engine exists; otherwise this reports the
-    // missing engine at the caller's site and returns false.
-    static bool EngineForTrace(const char* site, int line);
-
     std::string m_Name;
 };
 

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <string>
 
+#include "engine/Pelmora.h"
 #include "values/IdentifyValues.h"
 #include "values/PartStorage.h"
 
@@ -38,7 +39,7 @@ void OneVariablesFunction::Run() {
 
 void OneVariablesFunction::RunAndPrint() {
     Run();
-    if (!EngineForTrace("PelmoraLib::OneVariablesFunction::RunAndPrint", 142)) return;
+    if (!Pelmora::Get("PelmoraLib::OneVariablesFunction::RunAndPrint", 142)) return;
     std::string line;
     IdentifyValues::ValueToString(m_Result, m_ResultSub, line);
     line += " = ";

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <string>
 
+#include "engine/Pelmora.h"
 #include "values/IdentifyValues.h"
 #include "values/PartStorage.h"
 
@@ -43,7 +44,7 @@ void TwoVariablesFunction::Run() {
 
 void TwoVariablesFunction::RunAndPrint() {
     Run();
-    if (!EngineForTrace("PelmoraLib::TwoVariablesFunction::RunAndPrint", 309)) return;
+    if (!Pelmora::Get("PelmoraLib::TwoVariablesFunction::RunAndPrint", 309)) return;
     std::string line;
     IdentifyValues::ValueToString(m_Result, m_ResultSub, line);
     line += " = ";
