@@ -131,6 +131,10 @@ BaseValue* Replay::PlotSource(int player, const std::string& name) const {
     BaseValue* value = PelmoraLib::Pelmora::Get()->GetIdentifyValue(player)->GetValueFromString(reference.c_str(), sub, true);
     if (!value) throw std::runtime_error("--plot " + name + ": the configuration has no such value");
     BaseValue* part = value->GetSubValue(sub);
+    if (sub != BaseValue::SubWhole && part == value) {
+        const size_t dot = name.rfind('.');
+        throw std::runtime_error("--plot " + name + ": " + name.substr(0, dot) + " has no component " + name.substr(dot + 1));
+    }
     if (part->GetType() != BaseValue::Int && part->GetType() != BaseValue::Float)
         throw std::runtime_error("--plot " + name + ": not a number; name a component such as " + name + ".y");
     return part;

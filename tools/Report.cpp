@@ -1,5 +1,7 @@
 #include "tools/Report.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -277,6 +279,12 @@ void Report::Write(const Timeline& timeline, std::ostream& out) {
         out << "</section>\n";
     }
     out << kScript << "</body>\n</html>\n";
+}
+
+void Report::CheckWritable(const std::string& path) {
+    const bool existed = access(path.c_str(), F_OK) == 0;
+    if (!std::ofstream(path, std::ios::app)) throw std::runtime_error("cannot write " + path);
+    if (!existed) std::remove(path.c_str());
 }
 
 void Report::WriteFile(const Timeline& timeline, const std::string& path) {

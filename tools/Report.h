@@ -17,6 +17,9 @@ class Report {
 public:
     static void Write(const Timeline& timeline, std::ostream& out);
     static void WriteFile(const Timeline& timeline, const std::string& path);
+    // Throws std::runtime_error when the page could not be written there;
+    // leaves the file as it was.
+    static void CheckWritable(const std::string& path);
 };
 
 }  // namespace PelmoraTool

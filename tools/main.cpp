@@ -3,6 +3,7 @@
 // The library prints its diagnostics on standard output; the tool points
 // that at standard error and keeps the real standard output for its own
 // lines, so `--format jsonl` output is JSON Lines and nothing else.
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -10,6 +11,7 @@
 
 #include <fstream>
 #include <iostream>
+#include <set>
 #include <stdexcept>
 
 #include "tools/ConfigCheck.h"
@@ -33,6 +35,11 @@ struct ImportArguments {
     std::string format, input, output;
 };
 
+CLI::Validator NonEmpty() {
+    return CLI::Validator([](const std::string& text) { return text.empty() ? std::string("the path is empty") : std::string(); },
+                          "");
+}
+
 void AddReplay(CLI::App& app, ReplayArguments& args) {
     CLI::App* replay = app.add_subcommand("replay", "Feed a recording to the library and print gesture events");
     replay->add_option("CONFIG", args.config, "Configuration document (XML)")->required()->check(CLI::ExistingFile);
@@ -42,7 +49,7 @@ void AddReplay(CLI::App& app, ReplayArguments& args) {
     replay->add_flag("--realtime", args.options.realtime, "Pace frames by their recorded times");
     replay->add_option("--events", args.events, "finished (default) or all")->check(CLI::IsMember({"finished", "all"}));
     replay->add_option("--format", args.format, "text (default) or jsonl")->check(CLI::IsMember({"text", "jsonl"}));
-    CLI::Option* report = replay->add_option("--report", args.report, "Write a visual report (HTML)");
+    CLI::Option* report = replay->add_option("--report", args.report, "Write a visual report (HTML)")->check(NonEmpty());
     replay->add_option("--plot", args.options.plots, "Value to plot in the report; repeatable")
         ->needs(report)
         ->allow_extra_args(false);
@@ -55,7 +62,29 @@ void AddImport(CLI::App& app, ImportArguments& args) {
     import->add_option("OUTPUT", args.output, "Native recording to write")->required();
 }
 
+bool SameFile(const std::string& a, const std::string& b) {
+    struct stat first, second;
+    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
+
+// What the replay can tell before it starts, so that a long replay does not
+// end in an error it could have given at once.
+void CheckReplayArguments(const ReplayArguments& args) {
+    std::set<std::string> named;
+    for (const std::string& gesture : args.options.gestures) {
+        if (!named.insert(gesture).second) throw std::runtime_error("--gestures names \"" + gesture + "\" twice");
+    }
+    if (args.report.empty()) return;
+    for (const std::string& input : {args.config, args.recording}) {
+        if (SameFile(args.report, input))
+            throw std::runtime_error("--report " + args.report + " would overwrite the input " + input);
+    }
+    Report::CheckWritable(args.report);
+}
+
 int RunReplay(ReplayArguments& args, std::ostream& out) {
+    CheckReplayArguments(args);
     EventPrinter printer(out, args.format == "jsonl", args.events == "all");
     args.options.worker = args.mode == "worker";
     args.options.keepTimeline = !args.report.empty();
@@ -81,6 +110,24 @@ int RunImport(const ImportArguments& args, std::ostream& out) {
     return 0;
 }
 
+// "replay, import or check".
+std::string CommandNames(const CLI::App& app) {
+    const std::vector<const CLI::App*> commands = app.get_subcommands([](const CLI::App*) { return true; });
+    std::string names;
+    for (size_t k = 0; k < commands.size(); ++k)
+        names += (k == 0 ? "" : k + 1 == commands.size() ? " or " : ", ") + commands[k]->get_name();
+    return names;
+}
+
+// CLI11 reads an unknown first word, or none, as a missing subcommand.
+std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {
+    if (!app.get_subcommands().empty()) return error.what();
+    const std::vector<std::string> rest = app.remaining();
+    if (rest.empty()) return "a command is required: " + CommandNames(app);
+    const std::string what = rest.front().rfind('-', 0) == 0 ? "option" : "command";
+    return "unknown " + what + " \"" + rest.front() + "\"; the commands are " + CommandNames(app);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -94,7 +141,14 @@ int main(int argc, char** argv) {
     app.add_subcommand("check", "Load and compile a configuration and report every problem")
         ->add_option("CONFIG", checkPath, "Configuration document (XML)")
         ->required();
-    CLI11_PARSE(app, argc, argv);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp& help) {
+        return app.exit(help);
+    } catch (const CLI::ParseError& error) {
+        std::cerr << "pelmora: " << UsageError(app, error) << " (pelmora --help tells more)\n";
+        return error.get_exit_code();
+    }
 
     StdoutRedirect libraryToStderr(STDERR_FILENO);
     __gnu_cxx::stdio_filebuf<char> buffer(dup(libraryToStderr.OriginalFd()), std::ios::out);

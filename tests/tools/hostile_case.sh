@@ -42,6 +42,7 @@ if [ -n "$sanitizers" ]; then
     export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}hard_rss_limit_mb=$((memory_mb * 2))"
     export TSAN_OPTIONS="${TSAN_OPTIONS:+$TSAN_OPTIONS:}hard_rss_limit_mb=$((memory_mb * 2))"
 fi
+[ "$arguments" = - ] && arguments=""
 eval "set -- $arguments"
 (
     ulimit -f $((file_mb * 1024))
