@@ -1,5 +1,6 @@
 // pelmora - the command-line companion of libPelmora64: replays recordings
-// through the library, checks configurations and imports skeleton exports.
+// through the library, scores gestures on labelled recordings, checks
+// configurations and imports skeleton exports.
 // The library prints its diagnostics on standard output; the tool points
 // that at standard error and keeps the real standard output for its own
 // lines, so `--format jsonl` output is JSON Lines and nothing else.
@@ -15,6 +16,7 @@
 #include <stdexcept>
 
 #include "tools/ConfigCheck.h"
+#include "tools/Evaluate.h"
 #include "tools/EventPrinter.h"
 #include "tools/Importers.h"
 #include "tools/Recording.h"
@@ -29,6 +31,11 @@ namespace {
 struct ReplayArguments {
     std::string config, recording, mode = "immediate", events = "finished", format = "text", report;
     ReplayOptions options;
+};
+
+struct EvaluateArguments {
+    std::string labels = "runs", window = "1000", format = "text";
+    EvaluateOptions options;
 };
 
 struct ImportArguments {
@@ -53,6 +60,18 @@ void AddReplay(CLI::App& app, ReplayArguments& args) {
     replay->add_option("--plot", args.options.plots, "Value to plot in the report; repeatable")
         ->needs(report)
         ->allow_extra_args(false);
+}
+
+void AddEvaluate(CLI::App& app, EvaluateArguments& args) {
+    CLI::App* evaluate = app.add_subcommand("evaluate", "Score a configuration's gestures on labelled recordings");
+    evaluate->add_option("CONFIG", args.options.config, "Configuration document (XML)")->required()->check(CLI::ExistingFile);
+    evaluate->add_option("DATA", args.options.data, "Recordings, or folders of them")->required()->check(CLI::ExistingPath);
+    evaluate->add_option("--map", args.options.map, "Label map: LABEL GESTURE|A|B|none|- per line")->required()->check(CLI::ExistingFile);
+    evaluate->add_option("--labels", args.labels, "runs (default), points or file")->check(CLI::IsMember({"runs", "points", "file"}));
+    evaluate->add_option("--manifest", args.options.manifest, "Tab-separated file, subject[, label] per recording")->check(CLI::ExistingFile);
+    evaluate->add_option("--window", args.window, "Matching window in ms: MS or BEFORE:AFTER (default 1000)");
+    evaluate->add_option("--jobs", args.options.jobs, "Worker processes (default: one per core)");
+    evaluate->add_option("--format", args.format, "text (default) or json")->check(CLI::IsMember({"text", "json"}));
 }
 
 void AddImport(CLI::App& app, ImportArguments& args) {
@@ -96,6 +115,13 @@ int RunReplay(ReplayArguments& args, std::ostream& out) {
     return 0;
 }
 
+int RunEvaluate(EvaluateArguments& args, std::ostream& out) {
+    args.options.form = args.labels == "points" ? LabelForm::Points : args.labels == "file" ? LabelForm::File : LabelForm::Runs;
+    args.options.window = Evaluate::ParseWindow(args.window);
+    args.options.json = args.format == "json";
+    return Evaluate::Run(args.options, out);
+}
+
 int RunImport(const ImportArguments& args, std::ostream& out) {
     std::ifstream in(args.input, std::ios::binary);
     if (!in) throw std::runtime_error("cannot open " + args.input);
@@ -134,9 +160,11 @@ int main(int argc, char** argv) {
     CLI::App app{"pelmora: replay recordings through libPelmora64, check configurations, import skeleton exports"};
     app.require_subcommand(1);
     ReplayArguments replayArgs;
+    EvaluateArguments evaluateArgs;
     ImportArguments importArgs;
     std::string checkPath;
     AddReplay(app, replayArgs);
+    AddEvaluate(app, evaluateArgs);
     AddImport(app, importArgs);
     app.add_subcommand("check", "Load and compile a configuration and report every problem")
         ->add_option("CONFIG", checkPath, "Configuration document (XML)")
@@ -156,6 +184,7 @@ int main(int argc, char** argv) {
     try {
         if (app.got_subcommand("replay")) return RunReplay(replayArgs, out);
         if (app.got_subcommand("import")) return RunImport(importArgs, out);
+        if (app.got_subcommand("evaluate")) return RunEvaluate(evaluateArgs, out);
         return ConfigCheck::Run(checkPath, out);
     } catch (const std::exception& error) {
         out.flush();
