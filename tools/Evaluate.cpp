@@ -310,14 +310,14 @@ json RowsJson(const std::vector<GestureScore>& rows) {
 
 MatchWindow Evaluate::ParseWindow(const std::string& text) {
     const size_t colon = text.find(':');
-    MatchWindow window;
-    const bool valid = colon == std::string::npos
-                           ? Numbers::Parse(text, window.beforeMs)
-                           : Numbers::Parse(text.substr(0, colon), window.beforeMs) &&
-                                 Numbers::Parse(text.substr(colon + 1), window.afterMs);
-    if (colon == std::string::npos) window.afterMs = window.beforeMs;
-    if (!valid || !(window.beforeMs >= 0.0) || !(window.afterMs >= 0.0) || std::isinf(window.beforeMs) ||
-        std::isinf(window.afterMs))
+    MatchWindow window{-1.0, -1.0};
+    try {
+        window.beforeMs = Numbers::ReadDouble(text.substr(0, colon), "--window");
+        window.afterMs = colon == std::string::npos ? window.beforeMs : Numbers::ReadDouble(text.substr(colon + 1), "--window");
+    } catch (const std::runtime_error&) {
+        // Reported below, in the option's own words.
+    }
+    if (!(window.beforeMs >= 0.0 && window.afterMs >= 0.0))
         throw std::runtime_error("--window " + text + ": expected MS or BEFORE:AFTER, milliseconds >= 0");
     return window;
 }
