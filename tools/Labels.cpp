@@ -93,7 +93,9 @@ Manifest Manifest::ReadFile(const std::string& path, bool needsLabels) {
     Manifest manifest;
     for (size_t number = 2; std::getline(in, line); ++number) {
         if (Numbers::Trim(line).empty()) continue;
-        const std::vector<std::string> fields = Csv::Split(Numbers::Trim(line), '\t');
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        std::vector<std::string> fields = Csv::Split(line, '\t');
+        for (std::string& field : fields) field = Numbers::Trim(field);
         if (fields.size() != header.size())
             throw LineError(path, number, "expected " + std::to_string(header.size()) + " fields, found " + std::to_string(fields.size()));
         ManifestEntry entry{fields[subject], label < fields.size() ? fields[label] : ""};

@@ -104,7 +104,7 @@ TEST(EvaluateTest, BadInputGivesOneLineNamingTheFileAndLine) {
     const std::vector<std::pair<std::string, std::string>> manifests = {
         {"file\tlabel\n", "line 1: the header must name file, subject and label"},
         {"file\tsubject\tlabel\na.csv\ts1\n", "line 2: expected 3 fields, found 2"},
-        {"subject\tfile\tlabel\n\ns1\ta.csv\twave\ns2\ta.csv\tkick\n", "line 4: file \"a.csv\" is listed twice"},
+        {"subject\tfile\tlabel\n\ns1\ta.csv\t\r\ns2\ta.csv\tkick\n", "line 4: file \"a.csv\" is listed twice"},
     };
     for (const auto& [text, error] : manifests) {
         const std::string path = Written("bad.tsv", text);
