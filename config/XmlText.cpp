@@ -32,9 +32,9 @@ std::string NormaliseLineEnds(const std::string& raw) {
 }
 
 // Walks a text the way TinyXML 2.6 reads it, only to learn how deeply its
-// elements nest (the parser recurses once per level) and how many attributes
+// elements nest (the parser recurses once per level), how many attributes
 // an element carries (the parser looks each new one up among the earlier
-// ones). A plain scan for tags is not enough: the parser's own reading moves
+// ones) and how long their values are once read. A plain scan for tags is not enough: the parser's own reading moves
 // the end of a text or an attribute value (a UTF-8 lead byte swallows the
 // bytes after it, a numeric character reference runs to the next ';', a
 // declaration's quoted values may hold '>', an end tag outside every element
@@ -259,10 +259,13 @@ const char* LimitWalker::Element(const char* p) {
                 hasContent = true;
                 break;
             }
-            std::string attribute;
-            p = Attribute(p, &attribute, nullptr);
+            std::string attribute, value;
+            p = Attribute(p, &attribute, &value);
             if (!p || !*p || std::find(attributes.begin(), attributes.end(), attribute) != attributes.end()) {
                 return nullptr;
+            }
+            if (value.size() > static_cast<size_t>(kMaxValueLength)) {
+                return Refuse("An attribute value is longer than %d bytes.", kMaxValueLength);
             }
             if (attributes.size() == static_cast<size_t>(kMaxAttributes)) {
                 return Refuse("An element carries more than %d attributes.", kMaxAttributes);

@@ -3,12 +3,15 @@
 // sequence makes it read past its buffer (so texts are padded with NULs), a
 // directory handed to its file loader throws (so only regular files are
 // read), it recurses once per nesting level and it compares every attribute
-// of an element with all earlier ones (so documents past either limit are
-// refused before parsing).
+// of an element with all earlier ones (so documents past either limit, or
+// with an attribute value past the library's name length, are refused before
+// parsing).
 // Thread-safety: pure functions.
 #pragma once
 
 #include <string>
+
+#include "pelmora.h"
 
 namespace PelmoraLib {
 namespace XmlText {
@@ -19,6 +22,9 @@ const int kMaxDepth = 128;
 // Elements of a configuration carry a handful. The parser's time grows with
 // the square of the count: 40,000 on one element keep it busy for seconds.
 const int kMaxAttributes = 256;
+// Names, value references and keywords are attribute values; a longer one is
+// a wrong document, not a name.
+const int kMaxValueLength = PELMORA_MAX_NAME_LENGTH;
 
 // A parse-ready copy of text: padded with NULs past its end.
 std::string Padded(const char* text);
@@ -29,7 +35,8 @@ std::string Padded(const char* text);
 bool ReadFile(const char* path, std::string& text, std::string& error);
 
 // False, with a description in `error`, when an element lies deeper than
-// kMaxDepth or carries more than kMaxAttributes attributes. The padded text
+// kMaxDepth, carries more than kMaxAttributes attributes or an attribute
+// value longer than kMaxValueLength bytes. The padded text
 // is read by the parser's own rules, so what it finds is what the parser
 // would meet.
 bool CheckLimits(const std::string& text, std::string& error);

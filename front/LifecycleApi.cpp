@@ -5,6 +5,7 @@
 // Thread-safety: lifecycle and configuration calls belong to one host thread
 // while no pass runs; the look-ups only read compiled tables.
 #include <cctype>
+#include <cstdio>
 #include <cstdint>
 
 #include "config/GestureConfigManager.h"
@@ -28,17 +29,36 @@ GestureTable* TableOrReport(Pelmora& engine, int32_t player, const char* site, i
     return table;
 }
 
+// Sizes past the documented limits would be allocated per player and per
+// frame of history: the record is refused whole, before anything is built.
+bool WithinLimits(const GestureConfigParam& param) {
+    const struct {
+        const char* field;
+        int32_t value;
+        int32_t limit;
+    } sizes[] = {{"PlayerNum", param.PlayerNum, PELMORA_MAX_PLAYERS},
+                 {"SkeletonNum", param.SkeletonNum, PELMORA_MAX_JOINTS},
+                 {"VelocityFrameNum", param.VelocityFrameNum, PELMORA_MAX_VELOCITY_FRAMES}};
+    for (const auto& size : sizes) {
+        if (size.value <= size.limit) continue;
+        printf("InitPelmora Error: %s %d is above the limit of %d\n", size.field, size.value, size.limit);
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 // A second call without ClosePelmora says that each singleton exists and
 // rebuilds the players and their tables for the new record; the earlier
-// worker is stopped first.
+// worker is stopped first. A refused record leaves everything as it was.
 void InitPelmora(GestureConfigParam* param) {
     Guarded("InitPelmora", [&] {
         if (!param) {
             printf("InitPelmora Error: GestureConfigParam is NULL\n");
             return;
         }
+        if (!WithinLimits(*param)) return;
         Pelmora* engine = Pelmora::Create();
         GestureConfigManager::Create();
         PlayerManager* players = PlayerManager::Create();

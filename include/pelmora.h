@@ -66,6 +66,15 @@
  *  7. Diagnostics. Messages are printf lines on standard output, buffered by
  *     the C runtime until SetGestureLogOutPut makes it unbuffered;
  *     SetDebugInfo traces every processing step and gesture check.
+ *
+ *  8. Limits. Sizes the host chooses are bounded so that a wrong one is
+ *     refused rather than allocated: PlayerNum, SkeletonNum and
+ *     VelocityFrameNum above PELMORA_MAX_PLAYERS, PELMORA_MAX_JOINTS and
+ *     PELMORA_MAX_VELOCITY_FRAMES make InitPelmora print one line naming the
+ *     field and change nothing; a configuration document with an attribute
+ *     value (a name, a value reference, a keyword) longer than
+ *     PELMORA_MAX_NAME_LENGTH bytes does not load. Values below the lower
+ *     ends keep their meaning (no players, no joints, two frames).
  */
 #ifndef PELMORA_H
 #define PELMORA_H
@@ -76,6 +85,12 @@
 #include "PelmoraExport.h"
 
 PELMORA_C_BEGIN
+
+/* The limits of convention 8. */
+#define PELMORA_MAX_PLAYERS 1024
+#define PELMORA_MAX_JOINTS 256
+#define PELMORA_MAX_VELOCITY_FRAMES 4096
+#define PELMORA_MAX_NAME_LENGTH 1024
 
 /* No such gesture: the neutral gesture index. */
 #define PELMORA_NO_GESTURE 0xFFFFFFFFu
@@ -124,10 +139,10 @@ enum PelmoraJoint {
 typedef struct GestureConfigParam {
     int32_t IsUseSubThread;   /* nonzero: run the worker thread */
     int32_t ReturnInfoType;   /* PELMORA_RETURN_INFO_8, _16 or _24 */
-    int32_t PlayerNum;        /* number of players */
-    int32_t SkeletonNum;      /* joints per skeleton frame */
+    int32_t PlayerNum;        /* number of players, at most PELMORA_MAX_PLAYERS */
+    int32_t SkeletonNum;      /* joints per skeleton frame, at most PELMORA_MAX_JOINTS */
     int32_t* SkeletonTypeArray; /* SkeletonNum joint types; read during InitPelmora only */
-    int32_t VelocityFrameNum; /* frames kept for velocity; below 2 means 2 */
+    int32_t VelocityFrameNum; /* frames kept for velocity; below 2 means 2, at most PELMORA_MAX_VELOCITY_FRAMES */
     int32_t VelocityMulType;  /* PELMORA_VELOCITY_EQUAL or _HALVING */
     int32_t IsGetVelocityData; /* nonzero: keep velocities for GetPlayerVelocityData */
     int32_t Reserved;         /* padding, ignored */

@@ -416,8 +416,12 @@ TEST_F(ConfigTest, DeepOrCrowdedElementsAreRefusedBeforeParsing) {
 
 TEST_F(ConfigTest, OversizedAndTruncatedTextsNeverCrash) {
     Init();
-    const std::string name(4 << 20, 'n');
+    const std::string name(XmlText::kMaxValueLength, 'n');
     EXPECT_EQ(Load(Doc("<Gesture name='" + name + "'/>")), "");
+    EXPECT_EQ(Load(Doc("<Gesture name='" + name + "'/><Value name='&lt;" + name + "'/>"), false),
+              "Configuration refused: An attribute value is longer than 1024 bytes.\nLoading XMLData failed!\n");
+    EXPECT_EQ(Load(Doc("<Gesture name='" + std::string(4 << 20, 'n') + "'/>"), false),
+              "Configuration refused: An attribute value is longer than 1024 bytes.\nLoading XMLData failed!\n");
 
     std::string many = "<IdentfyValues><Value type='float' name='A'/></IdentfyValues>";
     for (int i = 0; i < 3000; ++i)

@@ -205,6 +205,37 @@ TEST_F(ApiTest, NullPointers) {
     EXPECT_NE(printed.find("SetPlayerGesture Error! No such gesture: 4294967295!\n"), std::string::npos);
 }
 
+// A size past its limit refuses the whole record with one line and builds
+// nothing, nor touches a running engine; the limits themselves are taken.
+TEST_F(ApiTest, StartUpSizesPastTheLimits) {
+    std::vector<int32_t> types(PELMORA_MAX_JOINTS, PELMORA_JOINT_HEAD);
+    const struct {
+        int32_t GestureConfigParam::*field;
+        const char* name;
+        int32_t limit;
+    } sizes[] = {{&GestureConfigParam::PlayerNum, "PlayerNum", PELMORA_MAX_PLAYERS},
+                 {&GestureConfigParam::SkeletonNum, "SkeletonNum", PELMORA_MAX_JOINTS},
+                 {&GestureConfigParam::VelocityFrameNum, "VelocityFrameNum", PELMORA_MAX_VELOCITY_FRAMES}};
+    for (const auto& size : sizes) {
+        SCOPED_TRACE(size.name);
+        GestureConfigParam param{0, PELMORA_RETURN_INFO_16, 1, 1, types.data(), 2, PELMORA_VELOCITY_EQUAL, 0, 0};
+        param.*size.field = size.limit + 1;
+        const std::string refused = "InitPelmora Error: " + std::string(size.name) + " " +
+                                    std::to_string(size.limit + 1) + " is above the limit of " +
+                                    std::to_string(size.limit) + "\n";
+        EXPECT_EQ(Printed([&] { InitPelmora(&param); }), refused);
+        EXPECT_EQ(Printed([] { SubThreadFPS(); }), Missing("Pelmora", "SubThreadFPS", 83));
+        Start(false);
+        EXPECT_EQ(Printed([&] { InitPelmora(&param); }), refused);
+        EXPECT_EQ(GetGestureNum(0), 2u);
+        Printed(ClosePelmora);
+        param.*size.field = size.limit;
+        EXPECT_EQ(Printed([&] { InitPelmora(&param); }), "");
+        EXPECT_EQ(Printed([&] { SetPlayerImmediate(param.PlayerNum - 1, true); }), "");
+        Printed(ClosePelmora);
+    }
+}
+
 // Disabling through the queue clears the progress, disabling at once keeps
 // it; the queued reset restamps the times, the immediate one keeps them.
 TEST_F(ApiTest, QueuedAndImmediateDiffer) {
