@@ -28,9 +28,8 @@ def main():
     args = parser.parse_args()
     gestures = args.gestures.split(",") if args.gestures else None
     try:
-        recording = pelmora.read_recording(args.recording)
         with pelmora.library_output_to(2) as out:
-            for finish in pelmora.replay(args.config, recording, gestures):
+            for finish in pelmora.replay(args.config, args.recording, gestures):
                 print(finish, file=out)
     except (OSError, ValueError, pelmora.PelmoraError) as error:
         print("python_replay: %s" % error, file=sys.stderr)

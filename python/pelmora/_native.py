@@ -7,7 +7,11 @@ str is accepted wherever C takes a string, joint frames may be given as
 Point3 arrays, sequences of triples or float buffers (numpy arrays
 included), out-parameters come back as return values, and integers that
 do not fit their C type raise OverflowError instead of wrapping around to
-another player or gesture.
+another player or gesture. Whatever C would take on trust - that a buffer
+holds what it will write or read, that a start-up record stays inside the
+library's limits - is checked first and refused with PelmoraError (or
+TypeError for an object that is no buffer at all), so no call reaches C
+with memory it could overrun.
 """
 
 import ctypes
@@ -23,6 +27,12 @@ except ImportError:  # pragma: no cover - depends on the machine
     _numpy = None
 
 NO_GESTURE = 0xFFFFFFFF
+
+# The limits of pelmora.h (PELMORA_MAX_*).
+MAX_PLAYERS = 1024
+MAX_JOINTS = 256
+MAX_VELOCITY_FRAMES = 4096
+MAX_NAME_LENGTH = 1024
 
 RETURN_INFO_8 = 0
 RETURN_INFO_16 = 1
@@ -40,6 +50,12 @@ JOINT_NAMES = (
     "LeftHip", "LeftKnee", "LeftAnkle", "LeftFoot", "RightHip", "RightKnee", "RightAnkle", "RightFoot",
 )
 JOINTS = {name: index for index, name in enumerate(JOINT_NAMES)}
+
+
+class PelmoraError(RuntimeError):
+    """Something the library cannot do: a configuration that does not load
+    or compile, a call that does not suit the session, or arguments it
+    would have to take on trust and that do not hold."""
 
 
 class GestureConfigParam(Structure):
@@ -118,6 +134,19 @@ EXPORTS = {
     "GetLastConfigError": (c_char_p, []),
 }
 
+# What InitPelmora was last given, per loaded library file (every Library of
+# one file drives one engine): the sizes its buffers are checked against.
+_layouts = {}
+
+
+class _Layout:
+    def __init__(self, param):
+        self.players = max(0, param.PlayerNum)
+        self.joints = max(0, param.SkeletonNum)
+        record = RESULT_RECORDS.get(param.ReturnInfoType)
+        self.record_size = ctypes.sizeof(record) if record else 0
+
+
 # Every callback ever installed as the library's clock stays referenced: the
 # library may still be inside an old one (the worker reads the clock on its
 # own thread) when a new one replaces it, and a freed ctypes thunk would
@@ -161,6 +190,53 @@ def _text(value):
 
 def _decode(value):
     return "" if value is None else value.decode("utf-8", "surrogateescape")
+
+
+def _kept_alive(kept):
+    """The ctypes instances in the tree of objects a ctypes object keeps
+    alive (its _objects)."""
+    if isinstance(kept, (ctypes._SimpleCData, ctypes.Array, Structure)):
+        yield kept
+        kept = kept._objects
+    if isinstance(kept, dict):
+        kept = list(kept.values())
+    if isinstance(kept, (tuple, list)):
+        for item in kept:
+            yield from _kept_alive(item)
+
+
+def _type_array_length(param):
+    """How many joint types SkeletonTypeArray points to: it must point into
+    a ctypes object that the record keeps alive, the only memory whose size
+    Python knows."""
+    address = ctypes.cast(param.SkeletonTypeArray, c_void_p).value
+    for kept in _kept_alive((param._objects or {}).get("4")):
+        start = ctypes.addressof(kept)
+        if start <= address < start + ctypes.sizeof(kept):
+            return (start + ctypes.sizeof(kept) - address) // ctypes.sizeof(c_int32)
+    raise TypeError("SkeletonTypeArray must be a ctypes c_int32 array assigned to the record")
+
+
+def _check_param(param):
+    for field, limit in (("PlayerNum", MAX_PLAYERS), ("SkeletonNum", MAX_JOINTS),
+                         ("VelocityFrameNum", MAX_VELOCITY_FRAMES)):
+        if getattr(param, field) > limit:
+            raise PelmoraError("%s %d is above the library's limit of %d" % (field, getattr(param, field), limit))
+    if param.SkeletonNum > 0 and param.SkeletonTypeArray:
+        length = _type_array_length(param)
+        if length < param.SkeletonNum:
+            raise PelmoraError("SkeletonTypeArray holds %d joint types, SkeletonNum is %d"
+                               % (length, param.SkeletonNum))
+
+
+def _frame(joints, count):
+    """The Point3 array and joint count of a frame argument."""
+    points = None if joints is None else point_array(joints)
+    given = 0 if points is None else len(points)
+    count = given if count is None else _int(count, c_int32, "count")
+    if count > given:
+        raise PelmoraError("count %d is more than the %d joints given" % (count, given))
+    return points, count
 
 
 def point_array(joints):
@@ -214,10 +290,15 @@ class Library:
     # ---- Lifecycle and configuration
 
     def InitPelmora(self, param):
+        if param is not None:
+            _check_param(param)
         self._dll.InitPelmora(None if param is None else ctypes.byref(param))
+        if param is not None:
+            _layouts[self._dll._handle] = _Layout(param)
 
     def ClosePelmora(self):
         self._dll.ClosePelmora()
+        _layouts.pop(self._dll._handle, None)
 
     def SubThreadFPS(self):
         return self._dll.SubThreadFPS()
@@ -291,27 +372,46 @@ class Library:
     # ---- Frames and results
 
     def UpdateSketonData(self, player, joints, count=None):
-        """Hands a frame to the worker; count defaults to the joints given."""
-        points = None if joints is None else point_array(joints)
-        count = (0 if points is None else len(points)) if count is None else count
-        return self._dll.UpdateSketonData(_player(player), points, _int(count, c_int32, "count"))
+        """Hands a frame to the worker; count defaults to the joints given
+        and may not exceed them."""
+        points, count = _frame(joints, count)
+        return self._dll.UpdateSketonData(_player(player), points, count)
 
     def UpdateSketonDataImmediate(self, player, joints, results, count=None):
         """Evaluates a frame and copies the results into `results` (an array
         of the configured record type, one per gesture slot). Returns
         (new results copied, number of records)."""
-        points = None if joints is None else point_array(joints)
-        count = (0 if points is None else len(points)) if count is None else count
+        points, count = _frame(joints, count)
+        player = _player(player)
+        self._check_results(player, results)
         written = c_uint32(0)
-        ok = self._dll.UpdateSketonDataImmediate(_player(player), points, _int(count, c_int32, "count"),
-                                                 results, ctypes.byref(written))
+        ok = self._dll.UpdateSketonDataImmediate(player, points, count, results, ctypes.byref(written))
         return ok, written.value
 
     def GetPlayerGestureState(self, player, results):
         """Returns (new results copied, number of records)."""
+        player = _player(player)
+        self._check_results(player, results)
         written = c_uint32(0)
-        ok = self._dll.GetPlayerGestureState(_player(player), results, ctypes.byref(written))
+        ok = self._dll.GetPlayerGestureState(player, results, ctypes.byref(written))
         return ok, written.value
+
+    def _check_results(self, player, results):
+        """A results buffer must hold GetGestureNum(player) records of the
+        configured size. Where the library would refuse the call anyway (not
+        started, no such player) it is left to do so."""
+        if results is None:
+            return
+        if not isinstance(results, (ctypes.Array, Structure)):
+            raise TypeError("results must be a ctypes array of result records, not %s" % type(results).__name__)
+        layout = _layouts.get(self._dll._handle)
+        if layout is None or not 0 <= player < layout.players or not layout.record_size:
+            return
+        needed = self._dll.GetGestureNum(player)
+        held = ctypes.sizeof(results) // layout.record_size
+        if held < needed:
+            raise PelmoraError("results buffer holds %d records of %d bytes, GetGestureNum(%d) is %d"
+                               % (held, layout.record_size, player, needed))
 
     def GetPlayerVelocityData(self, player, joints):
         """Copies the newest velocities into `joints`, a Point3 array of the

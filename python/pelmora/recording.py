@@ -20,6 +20,7 @@ class Frame(NamedTuple):
     player: int
     joints: Tuple[Tuple[float, float, float], ...]
     label: str
+    line: int = 0  # in the file, from 1
 
 
 class Recording(NamedTuple):
@@ -64,11 +65,13 @@ def _read_header(columns):
     return joints, has_labels
 
 
-def _read_row(fields, joints, has_labels):
+def _read_row(fields, joints, has_labels, line):
     expected = 2 + 3 * len(joints) + (1 if has_labels else 0)
     if len(fields) != expected:
         raise ValueError("expected %d fields, found %d" % (expected, len(fields)))
     time_ms = _number(fields[0], "time_ms")
+    if not math.isfinite(time_ms):
+        raise ValueError('time_ms is not a finite number: "%s"' % fields[0])
     try:
         player = int(fields[1].strip(" \t\r"))
     except ValueError:
@@ -77,7 +80,7 @@ def _read_row(fields, joints, has_labels):
     for slot, joint in enumerate(joints):
         name = JOINT_NAMES[joint]
         points.append(tuple(_number(fields[2 + 3 * slot + k], name + _AXES[k]) for k in range(3)))
-    return Frame(time_ms, player, tuple(points), fields[-1] if has_labels else "")
+    return Frame(time_ms, player, tuple(points), fields[-1] if has_labels else "", line)
 
 
 def read_recording(path):
@@ -91,7 +94,7 @@ def read_recording(path):
                 if joints is None:
                     joints, has_labels = _read_header([f.strip(" \t\r") for f in fields])
                     continue
-                frames.append(_read_row(fields, joints, has_labels))
+                frames.append(_read_row(fields, joints, has_labels, number))
             except ValueError as error:
                 raise ValueError("%s: line %d: %s" % (path, number, error)) from None
             if len(frames) > 1 and frames[-1].time_ms < frames[-2].time_ms:

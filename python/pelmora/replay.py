@@ -4,12 +4,14 @@ numbers become players 0..N-1), every frame evaluated on this thread at its
 recorded time through the library's time source, 24-byte records, the
 chosen gestures (all by default) enabled for every player."""
 
+import contextlib
 import math
+import os
 from typing import NamedTuple
 
 from ._native import RETURN_INFO_24
 from .recording import format_ms, read_recording
-from .session import ManualClock, Session
+from .session import ManualClock, PelmoraError, Session
 
 
 class Finish(NamedTuple):
@@ -37,20 +39,34 @@ def ticks(time_ms):
 def replay(config, recording, gestures=None, library=None):
     """Yields a Finish for every finished gesture, in recording order.
     `recording` is a path or a Recording; `gestures` names the gestures to
-    enable (None: all)."""
+    enable (None: all). Failures raise PelmoraError naming the recording
+    (and the line of a frame the library refuses)."""
+    source = "recording" if hasattr(recording, "frames") else os.fspath(recording)
     if not hasattr(recording, "frames"):
         recording = read_recording(recording)
     players = recording.players
     index_of = {number: index for index, number in enumerate(players)}
     clock = ManualClock(ticks(recording.frames[0].time_ms) if recording.frames else 0)
-    with Session(recording.joints, len(players), return_info=RETURN_INFO_24, clock=clock,
-                 library=library) as session:
+    session = Session(recording.joints, len(players), return_info=RETURN_INFO_24, clock=clock, library=library)
+    with _naming(source):
+        session.open()
+    with session:
         session.load(config).start()
         for player in range(len(players)):
             session.track(player)
             session.enable(player, gestures)
         for row, frame in enumerate(recording.frames):
-            clock.now = ticks(frame.time_ms)
-            for result in session.update(index_of[frame.player], frame.joints):
+            with _naming("%s: line %d" % (source, frame.line)):
+                clock.now = ticks(frame.time_ms)
+                results = session.update(index_of[frame.player], frame.joints)
+            for result in results:
                 if result.finished:
                     yield Finish(frame.time_ms, row, frame.player, result.name, result.segment, frame.label)
+
+
+@contextlib.contextmanager
+def _naming(place):
+    try:
+        yield
+    except (PelmoraError, ValueError, OverflowError) as error:
+        raise PelmoraError("%s: %s" % (place, error)) from None

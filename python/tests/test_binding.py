@@ -62,6 +62,12 @@ class InterfaceTest(unittest.TestCase):
         with self.assertRaises(OverflowError):
             LIBRARY.SetPlayerGestureImmediate(0, -1, True)
 
+    def test_limits_are_those_of_the_header(self):
+        with open(os.path.join(SOURCE_DIR, "include", "pelmora.h")) as header:
+            declared = dict(re.findall(r"#define PELMORA_MAX_(\w+) (\d+)", header.read()))
+        self.assertEqual({name: int(value) for name, value in declared.items()},
+                         {name[4:]: getattr(pelmora, name) for name in dir(pelmora) if name.startswith("MAX_")})
+
     def test_missing_library_names_every_place_looked(self):
         with self.assertRaises(OSError) as raised:
             pelmora.Library("/nonexistent/libPelmora64.so")
@@ -117,7 +123,7 @@ class RecordingTest(unittest.TestCase):
                               "0,3,1,2,3,4,5,6,\n\n33.5,1,1,2,3,4,5,6,\"wave, then bow\"\n")
         self.assertEqual(recording.joints, [1, 15])
         self.assertEqual(recording.players, [1, 3])
-        self.assertEqual(recording.frames[1], pelmora.Frame(33.5, 1, ((1, 2, 3), (4, 5, 6)), "wave, then bow"))
+        self.assertEqual(recording.frames[1], pelmora.Frame(33.5, 1, ((1, 2, 3), (4, 5, 6)), "wave, then bow", 4))
 
     def test_faults_name_their_line(self):
         faults = {
@@ -128,6 +134,8 @@ class RecordingTest(unittest.TestCase):
             "time_ms,player,Head.x,Head.y,Head.z\n0,0,1,2\n": "line 2: expected 5 fields, found 4",
             "time_ms,player,Head.x,Head.y,Head.z\n0,0,1,2,x\n": 'line 2: Head.z is not a number: "x"',
             "time_ms,player,Head.x,Head.y,Head.z\n5,0,1,2,3\n4,0,1,2,3\n": "line 3: time_ms goes back",
+            "time_ms,player,Head.x,Head.y,Head.z\n0,0,1,2,3\nnan,0,1,2,3\n": 'line 3: time_ms is not a finite number: "nan"',
+            "time_ms,player,Head.x,Head.y,Head.z\n-inf,0,1,2,3\n": 'line 2: time_ms is not a finite number: "-inf"',
             "": "no header",
         }
         for text, message in faults.items():

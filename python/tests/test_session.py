@@ -50,7 +50,7 @@ class ImmediateModeTest(unittest.TestCase):
     def test_refused_frames_yield_nothing_and_are_reported(self):
         with session() as s:
             with pelmora.capture_library_output() as printed:
-                self.assertEqual(s.update(0, DOWN[:2]), [])
+                self.assertEqual(LIBRARY.UpdateSketonDataImmediate(0, DOWN[:2], s._buffer(0)), (False, 0))
                 s.update(0, DOWN)
                 self.assertEqual(s.update(0, ((0, 1.6, 0.0),) + DOWN[1:]), [])  # first joint at depth 0
             self.assertIn("DataSize(2) no equal with player position frame data size(3).", printed.lines)
