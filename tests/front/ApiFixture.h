@@ -1,21 +1,15 @@
 // ApiFixture - a host of the C interface for tests: a two-joint skeleton
 // (head, right hand), gestures written as configuration text, frames with the
-// hand above or below the head, and a worker-side clock that counts the
-// worker's readings so tests can tell where a pass stands without sleeping.
+// hand above or below the head, and for the worker's tests a clock that
+// counts the worker's readings.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <chrono>
-#include <condition_variable>
-#include <functional>
-#include <mutex>
-#include <string>
-#include <thread>
-
 #include "pelmora.h"
+#include "support/Eventually.h"
 #include "support/Printed.h"
+#include "support/TestClock.h"
 
 namespace PelmoraTest {
 
@@ -28,67 +22,6 @@ inline const char* kGestures =
     "value2='@P_Head.y'/></Segment><Segment><Qualification QualificationEnum='Less' value1='@P_RightHand.y' "
     "value2='@P_Head.y'/></Segment></Gesture>"
     "</AppConfig>";
-
-// Polls for up to five seconds; a hang shows as a failure, not a stuck test.
-inline bool Eventually(const std::function<bool()>& done) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
-}
-
-// A fixed millisecond clock. Readings from threads other than the one that
-// made it are counted; with no player tracked a worker pass reads it once at
-// its end (the first pass) or twice (every later one), so the count tells
-// passes apart. Hold() parks the worker inside its next reading.
-class WorkerClock {
-public:
-    explicit WorkerClock(uint32_t now = 1000) : m_Now(now) { SetTimeSource(&WorkerClock::Read, this); }
-    ~WorkerClock() { SetTimeSource(nullptr, nullptr); }
-
-    void Advance(uint32_t ms) { m_Now += ms; }
-    int Reads() const { return m_Reads.load(); }
-    bool WaitReads(int count) const { return Eventually([&] { return Reads() >= count; }); }
-    void Hold() {
-        std::lock_guard<std::mutex> lock(m_Mutex);
-        m_Hold = true;
-    }
-    bool WaitHeld() {
-        std::unique_lock<std::mutex> lock(m_Mutex);
-        return m_Changed.wait_for(lock, std::chrono::seconds(5), [&] { return m_Held; });
-    }
-    void Release() {
-        std::lock_guard<std::mutex> lock(m_Mutex);
-        m_Hold = false;
-        m_Changed.notify_all();
-    }
-
-private:
-    static uint32_t Read(void* user) {
-        WorkerClock& self = *static_cast<WorkerClock*>(user);
-        if (std::this_thread::get_id() == self.m_Host) return self.m_Now.load();
-        std::unique_lock<std::mutex> lock(self.m_Mutex);
-        if (self.m_Hold) {
-            self.m_Held = true;
-            self.m_Changed.notify_all();
-            self.m_Changed.wait(lock, [&] { return !self.m_Hold; });
-        }
-        // Read before counting: a host that saw the count may move the time.
-        const uint32_t now = self.m_Now.load();
-        ++self.m_Reads;
-        return now;
-    }
-
-    std::atomic<uint32_t> m_Now;
-    std::atomic<int> m_Reads{0};
-    const std::thread::id m_Host = std::this_thread::get_id();
-    std::mutex m_Mutex;
-    std::condition_variable m_Changed;
-    bool m_Hold = false;
-    bool m_Held = false;
-};
 
 class ApiTest : public testing::Test {
 protected:
@@ -124,7 +57,7 @@ protected:
 // The clock outlives the worker: members go after TearDown has closed.
 class WorkerApiTest : public ApiTest {
 protected:
-    WorkerClock m_Clock;
+    TestClock m_Clock;
 };
 
 }  // namespace PelmoraTest
