@@ -1,9 +1,11 @@
 // Soak: the worker mode with 6 players x 100 gestures, a driver thread that
 // feeds frames, switches gestures on and off and checks every pass's results,
 // a thread that resets gestures and two that query, for PELMORA_SOAK_SECONDS
-// (default 10; run a few minutes before a release). Every pass must be
-// consistent: one record per enabled gesture, indices in range, a finished
-// gesture back at segment 0 in the next pass; and live heap must not grow.
+// (default 10; run a few minutes before a release) and at least kMinSteps
+// passes however slow the machine. Every pass must be consistent: one record
+// per enabled gesture, indices in range, a finished gesture back at segment 0
+// in the next pass, the last of conflicting commands deciding; and live heap
+// must not grow.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -24,6 +26,8 @@ namespace {
 const int kPlayers = 6;
 const int kGestures = 100;
 const int kSegments = 3;
+// Two band switches at least, whatever PELMORA_SOAK_SECONDS says.
+const int kMinSteps = 110;
 int32_t g_Types[] = {1, 2, 4, 9, 15};  // head, neck, waist, left hand, right hand
 
 // Gesture g: the right hand rises past a height, then comes back down, then
@@ -107,6 +111,24 @@ TEST(Soak, WorkerStaysConsistentUnderConcurrentHosts) {
     ASSERT_TRUE(StartGestureWork());
     testing::internal::GetCapturedStdout();
 
+    // The players are tracked and their velocity history started on this
+    // thread before the worker's first pass, so that every pass publishes and
+    // the driver and the worker go in lockstep: one signal, one pass, one
+    // result set per player, waited for.
+    Checker checker;
+    std::vector<PelmoraResult24> records(kGestures);
+    Point3 joints[5];
+    for (int32_t p = 0; p < kPlayers; ++p) {
+        SetPlayerImmediate(p, true);
+        for (int g = 0; g < kGestures; ++g) {
+            checker.enabled[p][g] = (g + p) % 3 != 0;
+            SetPlayerGestureImmediate(p, static_cast<uint32_t>(g), checker.enabled[p][g]);
+        }
+        Frame(joints, 0, p);
+        uint32_t count = 0;
+        ASSERT_FALSE(UpdateSketonDataImmediate(p, joints, 5, records.data(), &count));
+    }
+
     std::atomic<bool> stop{false};
     std::vector<std::thread> noise;
     noise.emplace_back([&] {
@@ -120,56 +142,49 @@ TEST(Soak, WorkerStaysConsistentUnderConcurrentHosts) {
             Point3 velocities[5];
             for (unsigned k = 0; !stop; ++k) {
                 const int32_t player = static_cast<int32_t>((k + t) % kPlayers);
-                GetPlayerVelocityData(player, velocities, 5);
+                EXPECT_TRUE(GetPlayerVelocityData(player, velocities, 5));
                 EXPECT_EQ(GetGestureIndex(player, ("G" + std::to_string(k % kGestures)).c_str()), k % kGestures);
                 EXPECT_EQ(GetGestureNum(player), static_cast<uint64_t>(kGestures));
-                SubThreadFPS();
+                EXPECT_GE(SubThreadFPS(), 0);
             }
         });
     }
 
-    Checker checker;
-    std::vector<PelmoraResult24> records(kGestures);
-    Point3 joints[5];
-    // Every 50 frames a band of gestures switches; the commands apply at the
-    // start of the next pass, before its evaluation.
+    // Every 50 frames a band of gestures switches, each by two conflicting
+    // commands of which the second must win; some go by name. The commands
+    // apply at the start of the next pass, before its evaluation.
     auto feed = [&](int step) {
         for (int32_t p = 0; p < kPlayers; ++p) {
-            if (step == 0) SetPlayer(p, true);
             for (int g = 0; step % 50 == 0 && g < kGestures; ++g) {
                 const bool on = (g + step / 50 + p) % 3 != 0;
                 if (checker.enabled[p][g] == on) continue;
-                SetPlayerGesture(p, static_cast<uint32_t>(g), on);
+                const std::string name = "G" + std::to_string(g);
+                for (const bool state : {!on, on}) {
+                    if (g % 10 == 0) {
+                        SetPlayerGestureFromName(p, name.c_str(), state);
+                    } else {
+                        SetPlayerGesture(p, static_cast<uint32_t>(g), state);
+                    }
+                }
                 checker.enabled[p][g] = on;
                 checker.finishedLastPass[p][g] = false;
             }
             Frame(joints, step, p);
-            UpdateSketonData(p, joints, 5);
+            EXPECT_TRUE(UpdateSketonData(p, joints, 5));
         }
         OnIdle();
     };
-    // A player's first frame only starts its velocity history, and wake-ups
-    // given before the worker first waits make one pass: let the first
-    // passes settle, then drain what they published.
-    const int warmUpSteps = 4;
-    for (int step = 0; step < warmUpSteps; ++step) {
-        feed(step);
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    for (int32_t p = 0; p < kPlayers; ++p) {
-        uint32_t ignored = 0;
-        GetPlayerGestureState(p, records.data(), &ignored);
-    }
 
     size_t heapAfterWarmUp = 0;
     std::string failure;
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-    const auto warmUpEnd = std::chrono::steady_clock::now() + std::chrono::seconds(seconds) / 4;
-    for (int step = warmUpSteps; failure.empty() && std::chrono::steady_clock::now() < end; ++step) {
+    const auto start = std::chrono::steady_clock::now();
+    const auto end = start + std::chrono::seconds(seconds);
+    const auto warmUpEnd = start + std::chrono::seconds(seconds) / 4;
+    for (int step = 1; failure.empty() && (step <= kMinSteps || std::chrono::steady_clock::now() < end); ++step) {
         feed(step);
         for (int32_t p = 0; p < kPlayers && failure.empty(); ++p) {
             uint32_t count = 0;
-            const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+            const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
             while (!GetPlayerGestureState(p, records.data(), &count)) {
                 if (std::chrono::steady_clock::now() > deadline) {
                     failure = "no results for the pass of step " + std::to_string(step);
