@@ -12,7 +12,7 @@ const char* const kByteOrderMark = "\xEF\xBB\xBF";
 
 }  // namespace
 
-CsvLineReader::CsvLineReader(std::istream& in) : m_Input(in.rdbuf()) { RefuseUtf16(); }
+CsvLineReader::CsvLineReader(std::istream& in) : m_Input(in.rdbuf()) {}
 
 void CsvLineReader::RefuseUtf16() {
     const int first = m_Input->sgetc();
@@ -23,6 +23,7 @@ void CsvLineReader::RefuseUtf16() {
 
 bool CsvLineReader::Next(std::string& line) {
     line.clear();
+    if (m_Number == 0) RefuseUtf16();
     int c = m_Input->sbumpc();
     if (c == kEnd) return false;
     ++m_Number;

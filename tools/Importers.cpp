@@ -1,11 +1,18 @@
 #include "tools/Importers.h"
 
+#include <sys/stat.h>
+
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
 #include <istream>
 #include <sstream>
 #include <stdexcept>
 
 #include "tools/Csv.h"
+#include "tools/CsvLineReader.h"
 #include "tools/Numbers.h"
 
 namespace PelmoraTool {
@@ -57,24 +64,44 @@ std::vector<std::string> Words(const std::string& text) {
     return words;
 }
 
-// Reads the data lines after the header, naming the line of any fault.
+// Runs `read` on each line that is not blank, naming the line of any fault.
 template <class ReadLine>
-void ForEachDataLine(std::istream& in, size_t number, ReadLine readLine) {
-    for (std::string line; std::getline(in, line);) {
-        ++number;
+void ForEachLine(CsvLineReader& lines, ReadLine read) {
+    for (std::string line; lines.Next(line);) {
         if (Numbers::Trim(line).empty()) continue;
         try {
-            readLine(line);
+            read(line);
         } catch (const std::runtime_error& error) {
-            throw std::runtime_error("line " + std::to_string(number) + ": " + error.what());
+            throw std::runtime_error("line " + std::to_string(lines.Number()) + ": " + error.what());
         }
     }
 }
 
-std::string FirstLine(std::istream& in) {
+// The header line, trimmed: the first line of the file.
+std::string FirstLine(CsvLineReader& lines) {
     std::string line;
-    if (!std::getline(in, line)) throw std::runtime_error("the file is empty");
+    if (!lines.Next(line)) throw std::runtime_error("the file is empty");
     return Numbers::Trim(line);
+}
+
+void BeginWithHeader(RecordingWriter& out, const std::vector<int32_t>& joints, bool hasLabels) {
+    try {
+        out.Begin(joints, hasLabels);
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(std::string("line 1: ") + error.what());
+    }
+}
+
+bool SameFile(const std::string& a, const std::string& b) {
+    struct stat first {}, second {};
+    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
+
+// A failed import leaves no half-written recording; devices stay.
+void RemoveIfRegular(const std::string& path) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode)) std::remove(path.c_str());
 }
 
 // ---- PRECOG
@@ -120,71 +147,98 @@ const std::vector<std::string>& Importers::Formats() {
     return formats;
 }
 
-Recording Importers::Import(const std::string& format, std::istream& in) {
-    if (format == "precog") return FromPrecog(in);
-    if (format == "timestamp-csv") return FromTimestampCsv(in);
-    if (format == "kinect-text") return FromKinectText(in);
+ImportCounts Importers::ImportFile(const std::string& format, const std::string& input, const std::string& output) {
+    std::ifstream in(input, std::ios::binary);
+    if (!in) throw std::runtime_error("cannot open " + input);
+    if (SameFile(input, output)) throw std::runtime_error(output + " is the input file");
+    std::ofstream file(output, std::ios::binary | std::ios::trunc);
+    if (!file) throw std::runtime_error("cannot write " + output + ": " + std::strerror(errno));
+    try {
+        RecordingWriter writer(file);
+        try {
+            Import(format, in, writer);
+        } catch (const std::runtime_error& error) {
+            throw std::runtime_error(input + ": " + error.what());
+        }
+        if (writer.Frames() == 0) throw std::runtime_error(input + ": no frames to import");
+        errno = 0;
+        file.close();
+        if (!file) throw std::runtime_error("writing " + output + " failed" + (errno ? std::string(": ") + std::strerror(errno) : ""));
+        return {writer.Frames(), writer.Joints().size()};
+    } catch (const std::runtime_error&) {
+        RemoveIfRegular(output);
+        throw;
+    }
+}
+
+void Importers::Import(const std::string& format, std::istream& in, RecordingWriter& out) {
+    if (format == "precog") return FromPrecog(in, out);
+    if (format == "timestamp-csv") return FromTimestampCsv(in, out);
+    if (format == "kinect-text") return FromKinectText(in, out);
     throw std::runtime_error("unknown format \"" + format + "\"");
 }
 
-Recording Importers::FromPrecog(std::istream& in) {
-    Recording recording;
-    recording.hasLabels = true;
-    recording.joints = PrecogJoints(FirstLine(in));
-    ForEachDataLine(in, 1, [&](const std::string& line) {
-        const std::vector<std::string> fields = Csv::Split(line, ';');
-        if (fields.size() != recording.joints.size() + 1)
-            throw std::runtime_error("expected " + std::to_string(recording.joints.size() + 1) + " fields, found " +
-                                     std::to_string(fields.size()));
-        RecordedFrame frame;
+void Importers::FromPrecog(std::istream& in, RecordingWriter& out) {
+    CsvLineReader lines(in);
+    BeginWithHeader(out, PrecogJoints(FirstLine(lines)), true);
+    const size_t joints = out.Joints().size();
+    RecordedFrame frame;
+    std::vector<std::string> fields;
+    ForEachLine(lines, [&](const std::string& line) {
+        Csv::Split(line, fields, ';');
+        if (fields.size() != joints + 1)
+            throw std::runtime_error("expected " + std::to_string(joints + 1) + " fields, found " + std::to_string(fields.size()));
         // Microsecond resolution keeps the nominal 33.3 ms steps readable.
-        frame.timeMs = std::round(static_cast<double>(recording.frames.size()) * kPrecogFrameMs * 1000.0) / 1000.0;
-        for (size_t slot = 0; slot < recording.joints.size(); ++slot) frame.joints.push_back(PrecogJoint(fields[slot]));
+        frame.timeMs = std::round(static_cast<double>(out.Frames()) * kPrecogFrameMs * 1000.0) / 1000.0;
+        frame.joints.clear();
+        for (size_t slot = 0; slot < joints; ++slot) frame.joints.push_back(PrecogJoint(fields[slot]));
         frame.label = PrecogLabel(fields.back());
-        recording.frames.push_back(frame);
+        out.Write(frame);
     });
-    return recording;
 }
 
-Recording Importers::FromTimestampCsv(std::istream& in) {
-    const std::vector<std::string> columns = Csv::Split(FirstLine(in));
+void Importers::FromTimestampCsv(std::istream& in, RecordingWriter& out) {
+    CsvLineReader lines(in);
+    const std::vector<std::string> columns = Csv::Split(FirstLine(lines));
     if (Numbers::Trim(columns[0]) != "Timestamp") throw std::runtime_error("line 1: the first column must be Timestamp");
-    Recording recording;
-    for (size_t first = 1; int32_t type = TripleJoint(columns, first); first += 3) recording.joints.push_back(type);
-    if (recording.joints.empty()) throw std::runtime_error("line 1: no <Joint>X,<Joint>Y,<Joint>Z columns");
-    ForEachDataLine(in, 1, [&](const std::string& line) {
-        const std::vector<std::string> fields = Csv::Split(line);
-        if (fields.size() < 1 + 3 * recording.joints.size())
-            throw std::runtime_error("expected at least " + std::to_string(1 + 3 * recording.joints.size()) + " fields");
-        RecordedFrame frame;
+    std::vector<int32_t> joints;
+    for (size_t first = 1; int32_t type = TripleJoint(columns, first); first += 3) joints.push_back(type);
+    if (joints.empty()) throw std::runtime_error("line 1: no <Joint>X,<Joint>Y,<Joint>Z columns");
+    BeginWithHeader(out, joints, false);
+    RecordedFrame frame;
+    std::vector<std::string> fields;
+    ForEachLine(lines, [&](const std::string& line) {
+        Csv::Split(line, fields);
+        if (fields.size() < 1 + 3 * joints.size())
+            throw std::runtime_error("expected at least " + std::to_string(1 + 3 * joints.size()) + " fields");
         frame.timeMs = Numbers::ReadDouble(fields[0], "Timestamp");
-        for (size_t first = 1; frame.joints.size() < recording.joints.size(); first += 3) {
+        frame.joints.clear();
+        for (size_t first = 1; frame.joints.size() < joints.size(); first += 3) {
             frame.joints.push_back(Point3{Coordinate(fields[first]), Coordinate(fields[first + 1]), Coordinate(fields[first + 2])});
         }
-        recording.frames.push_back(frame);
+        out.Write(frame);
     });
-    return recording;
 }
 
-Recording Importers::FromKinectText(std::istream& in) {
-    Recording recording;
-    recording.joints = KinectOrder();
+void Importers::FromKinectText(std::istream& in, RecordingWriter& out) {
+    CsvLineReader lines(in);
+    BeginWithHeader(out, KinectOrder(), false);
     const size_t fieldCount = 1 + 4 * kKinectJointCount;
-    ForEachDataLine(in, 0, [&](const std::string& line) {
+    RecordedFrame frame;
+    ForEachLine(lines, [&](const std::string& line) {
         const std::vector<std::string> words = Words(line);
         if (words.size() != fieldCount)
             throw std::runtime_error("expected " + std::to_string(fieldCount) + " fields, found " + std::to_string(words.size()));
-        RecordedFrame frame;
         frame.timeMs = Numbers::ReadDouble(words[0], "timestamp") / 1000.0;
+        frame.joints.clear();
         bool tracked = false;
         for (size_t first = 1; first < fieldCount; first += 4) {
             const Point3 joint{Coordinate(words[first]), Coordinate(words[first + 1]), Coordinate(words[first + 2])};
             tracked = tracked || joint.x != 0.0f || joint.y != 0.0f || joint.z != 0.0f;
             frame.joints.push_back(joint);
         }
-        if (tracked) recording.frames.push_back(frame);
+        if (tracked) out.Write(frame);
     });
-    return recording;
 }
 
 }  // namespace PelmoraTool

@@ -1,9 +1,6 @@
 #include "tools/RecordingReader.h"
 
-#include <algorithm>
-#include <cmath>
 #include <map>
-#include <set>
 #include <stdexcept>
 
 #include "tools/Csv.h"
@@ -12,8 +9,6 @@
 namespace PelmoraTool {
 
 namespace {
-
-const char* const kAxes[3] = {".x", ".y", ".z"};
 
 std::unique_ptr<std::ifstream> OpenFile(const std::string& path) {
     auto file = std::make_unique<std::ifstream>(path, std::ios::binary);
@@ -28,8 +23,9 @@ int32_t JointOfColumns(const std::vector<std::string>& columns, size_t first) {
     const int32_t type = Recording::JointType(name);
     if (type == 0) throw std::runtime_error("unknown joint column \"" + x + "\"");
     for (size_t axis = 0; axis < 3; ++axis) {
-        if (columns[first + axis] != name + kAxes[axis])
-            throw std::runtime_error("expected column \"" + name + kAxes[axis] + "\", found \"" + columns[first + axis] + "\"");
+        const std::string expected = name + Recording::kAxes[axis];
+        if (columns[first + axis] != expected)
+            throw std::runtime_error("expected column \"" + expected + "\", found \"" + columns[first + axis] + "\"");
     }
     return type;
 }
@@ -64,13 +60,11 @@ void RecordingReader::ReadHeader() {
         if (m_HasLabels) columns.pop_back();
         if (columns.size() == 2 || (columns.size() - 2) % 3 != 0)
             throw std::runtime_error("joint columns come in threes: <Joint>.x,<Joint>.y,<Joint>.z");
-        std::set<int32_t> seen;
         for (size_t first = 2; first < columns.size(); first += 3) {
-            const int32_t type = JointOfColumns(columns, first);
-            if (!seen.insert(type).second) throw std::runtime_error("joint " + Recording::JointName(type) + " appears twice");
-            m_Joints.push_back(type);
+            m_Joints.push_back(JointOfColumns(columns, first));
             m_Columns.insert(m_Columns.end(), columns.begin() + first, columns.begin() + first + 3);
         }
+        Recording::CheckDistinct(m_Joints);
     } catch (const std::runtime_error& error) {
         throw Error("line " + std::to_string(m_Lines.Number()) + ": " + error.what());
     }
@@ -98,7 +92,7 @@ void RecordingReader::ReadRow(RecordedFrame& frame) {
     if (m_Fields.size() != expected)
         throw std::runtime_error("expected " + std::to_string(expected) + " fields, found " + std::to_string(m_Fields.size()));
     frame.timeMs = Numbers::ReadDouble(m_Fields[0], "time_ms");
-    CheckTime(frame.timeMs);
+    Recording::CheckTime(frame.timeMs, m_LastMs);
     frame.player = Numbers::ReadInteger(m_Fields[1], "player");
     frame.joints.resize(m_Joints.size());
     for (size_t slot = 0; slot < m_Joints.size(); ++slot) {
@@ -110,14 +104,6 @@ void RecordingReader::ReadRow(RecordedFrame& frame) {
     frame.label.clear();
     if (m_HasLabels) frame.label = m_Fields.back();
     m_LastMs = frame.timeMs;
-    m_Started = true;
-}
-
-void RecordingReader::CheckTime(double timeMs) const {
-    if (std::abs(timeMs) > kMaxTimeMs)
-        throw std::runtime_error("time_ms is out of range: " + Numbers::Format(timeMs) + " is beyond +-" +
-                                 Numbers::Format(kMaxTimeMs));
-    if (m_Started && timeMs < m_LastMs) throw std::runtime_error("time_ms goes back in time");
 }
 
 RecordingSummary RecordingReader::Summarise() {

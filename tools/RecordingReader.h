@@ -1,7 +1,7 @@
 // RecordingReader - reads a recording in the native format as a stream: the
 // header when it opens, then one frame per call, holding one line and one
 // frame whatever the size of the file. Every frame it yields has finite
-// numbers, a time within +-kMaxTimeMs and no earlier than the frame before.
+// numbers and a time that keeps Recording's rules.
 // Errors name the source, the line and the fault. Not thread-safe: one
 // reader per thread; any number of readers may read the same file.
 #pragma once
@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <fstream>
 #include <iosfwd>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -35,8 +36,6 @@ struct RecordingSummary {
 
 class RecordingReader {
 public:
-    // Whole milliseconds up to here are exact doubles.
-    static constexpr double kMaxTimeMs = 9007199254740992.0;
     // Each player costs the library its own state, so a replay refuses
     // recordings with more distinct player numbers than this.
     static const size_t kMaxPlayers = 256;
@@ -61,7 +60,6 @@ public:
 private:
     void ReadHeader();
     void ReadRow(RecordedFrame& frame);
-    void CheckTime(double timeMs) const;
     std::runtime_error Error(const std::string& what) const;
 
     std::unique_ptr<std::ifstream> m_File;
@@ -72,8 +70,7 @@ private:
     std::vector<int32_t> m_Joints;
     std::vector<std::string> m_Columns;  // "Head.x" .. by joint and axis, for messages
     bool m_HasLabels = false;
-    bool m_Started = false;
-    double m_LastMs = 0.0;
+    double m_LastMs = -std::numeric_limits<double>::infinity();
 };
 
 }  // namespace PelmoraTool

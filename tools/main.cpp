@@ -10,7 +10,6 @@
 #include <CLI/CLI.hpp>
 #include <ext/stdio_filebuf.h>
 
-#include <fstream>
 #include <iostream>
 #include <set>
 #include <stdexcept>
@@ -19,7 +18,6 @@
 #include "tools/Evaluate.h"
 #include "tools/EventPrinter.h"
 #include "tools/Importers.h"
-#include "tools/Recording.h"
 #include "tools/Replay.h"
 #include "tools/Report.h"
 #include "tools/StdoutRedirect.h"
@@ -123,16 +121,8 @@ int RunEvaluate(EvaluateArguments& args, std::ostream& out) {
 }
 
 int RunImport(const ImportArguments& args, std::ostream& out) {
-    std::ifstream in(args.input, std::ios::binary);
-    if (!in) throw std::runtime_error("cannot open " + args.input);
-    Recording recording;
-    try {
-        recording = Importers::Import(args.format, in);
-    } catch (const std::runtime_error& error) {
-        throw std::runtime_error(args.input + ": " + error.what());
-    }
-    recording.WriteFile(args.output);
-    out << args.output << ": " << recording.frames.size() << " frames, " << recording.joints.size() << " joints\n";
+    const ImportCounts counts = Importers::ImportFile(args.format, args.input, args.output);
+    out << args.output << ": " << counts.frames << " frames, " << counts.joints << " joints\n";
     return 0;
 }
 

@@ -5,37 +5,40 @@
 #include <stdexcept>
 
 #include "tools/Importers.h"
+#include "tools/RecordingReader.h"
 
 using namespace PelmoraTool;
 
 namespace {
 
-Recording ImportFile(const std::string& format, const std::string& name) {
+struct Imported {
+    std::vector<int32_t> joints;
+    bool hasLabels = false;
+    std::vector<RecordedFrame> frames;
+};
+
+// Imports into the native format and reads that back.
+Imported ImportText(const std::string& format, std::istream& in) {
+    std::stringstream native;
+    RecordingWriter writer(native);
+    Importers::Import(format, in, writer);
+    RecordingReader reader(native, "");
+    Imported imported{reader.Joints(), reader.HasLabels(), {}};
+    for (RecordedFrame frame; reader.Next(frame);) imported.frames.push_back(frame);
+    return imported;
+}
+
+Imported ImportFile(const std::string& format, const std::string& name) {
     std::ifstream in(std::string(PELMORA_TOOL_DATA) + "/" + name, std::ios::binary);
-    return Importers::Import(format, in);
+    return ImportText(format, in);
 }
 
 std::vector<float> XYZ(const Point3& point) { return {point.x, point.y, point.z}; }
 
-// Writes the recording natively and reads it back: nothing may change.
-void ExpectRoundTrip(const Recording& imported) {
-    std::stringstream native;
-    imported.Write(native);
-    const Recording back = Recording::Read(native);
-    EXPECT_EQ(back.joints, imported.joints);
-    ASSERT_EQ(back.frames.size(), imported.frames.size());
-    for (size_t f = 0; f < back.frames.size(); ++f) {
-        EXPECT_EQ(back.frames[f].timeMs, imported.frames[f].timeMs);
-        EXPECT_EQ(back.frames[f].label, imported.frames[f].label);
-        for (size_t j = 0; j < back.joints.size(); ++j)
-            EXPECT_EQ(XYZ(back.frames[f].joints[j]), XYZ(imported.frames[f].joints[j])) << "frame " << f << " joint " << j;
-    }
-}
-
 std::string ImportError(const std::string& format, const std::string& text) {
     std::istringstream in(text);
     try {
-        Importers::Import(format, in);
+        ImportText(format, in);
     } catch (const std::runtime_error& error) {
         return error.what();
     }
@@ -53,7 +56,7 @@ const std::vector<int32_t> kKinectOrder = {
 
 // precog.csv: joint j of frame f at (j/10 + f, -j/100, 2.5 + f/10), actions 0, 2, 2.
 TEST(ImportersTest, PrecogFramesAreThirtyPerSecondAndActionsBecomeLabels) {
-    const Recording recording = ImportFile("precog", "precog.csv");
+    const Imported recording = ImportFile("precog", "precog.csv");
     EXPECT_EQ(recording.joints, kKinectOrder);
     ASSERT_EQ(recording.frames.size(), 3u);
     EXPECT_EQ(recording.frames[1].timeMs, 33.333);
@@ -61,29 +64,26 @@ TEST(ImportersTest, PrecogFramesAreThirtyPerSecondAndActionsBecomeLabels) {
     EXPECT_EQ(recording.frames[0].label, "");
     EXPECT_EQ(recording.frames[2].label, "2");
     EXPECT_EQ(XYZ(recording.frames[2].joints[3]), (std::vector<float>{2.3f, -0.03f, 2.7f}));
-    ExpectRoundTrip(recording);
 }
 
 TEST(ImportersTest, TimestampCsvKeepsItsJointTriplesAndDropsTrailingColumns) {
-    const Recording recording = ImportFile("timestamp-csv", "timestamp.csv");
+    const Imported recording = ImportFile("timestamp-csv", "timestamp.csv");
     EXPECT_EQ(recording.joints, (std::vector<int32_t>{PELMORA_JOINT_HEAD, PELMORA_JOINT_RIGHT_HAND}));
     ASSERT_EQ(recording.frames.size(), 2u);
     EXPECT_EQ(recording.frames[1].timeMs, 1033.5);
     EXPECT_EQ(recording.frames[1].joints[1].y, 1.3f);
     EXPECT_FALSE(recording.hasLabels);
-    ExpectRoundTrip(recording);
 }
 
 // kinect.txt: frames at 5 000 000 µs and 5 066 000 µs; an all-zero one between.
 TEST(ImportersTest, KinectTextSkipsUntrackedFramesAndTurnsMicrosecondsIntoMilliseconds) {
-    const Recording recording = ImportFile("kinect-text", "kinect.txt");
+    const Imported recording = ImportFile("kinect-text", "kinect.txt");
     EXPECT_EQ(recording.joints, kKinectOrder);
     ASSERT_EQ(recording.frames.size(), 2u);
     EXPECT_EQ(recording.frames[0].timeMs, 5000.0);
     EXPECT_EQ(recording.frames[1].timeMs, 5066.0);
     EXPECT_EQ(recording.frames[1].joints[19].x, 2.65f);
     EXPECT_EQ(recording.frames[1].joints[19].y, 0.19f);
-    ExpectRoundTrip(recording);
 }
 
 TEST(ImportersTest, NameTheLineAndTheFault) {
@@ -98,4 +98,7 @@ TEST(ImportersTest, NameTheLineAndTheFault) {
               "line 1: no <Joint>X,<Joint>Y,<Joint>Z columns");
     EXPECT_EQ(ImportError("timestamp-csv", "Timestamp,HeadX,HeadY,HeadZ\n\n5,1,2\n"), "line 3: expected at least 4 fields");
     EXPECT_EQ(ImportError("kinect-text", "\n1 2 3\n"), "line 2: expected 81 fields, found 3");
+    EXPECT_EQ(ImportError("precog", "Head; Head\n"), "line 1: joint Head appears twice");
+    EXPECT_EQ(ImportError("timestamp-csv", "Timestamp,HeadX,HeadY,HeadZ\n5,1,2,3\n4,1,2,3\n"), "line 3: time_ms goes back in time");
+    EXPECT_EQ(ImportError("timestamp-csv", "Timestamp,HeadX,HeadY,HeadZ\nnan,1,2,3\n"), "line 2: Timestamp is not finite: \"nan\"");
 }

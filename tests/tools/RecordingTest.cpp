@@ -3,7 +3,8 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "tools/Recording.h"
+#include "tools/RecordingReader.h"
+#include "tools/RecordingWriter.h"
 #include "tools/Timeline.h"
 
 using namespace PelmoraTool;
@@ -16,16 +17,21 @@ const char* const kNative =
     "33.333,3,0.1,1.6,2.5,-0.2,0,2.25,\"kick, \"\"high\"\"\"\n"
     "66.667,7,1e-07,-1.5,3,0,0,1,kick\n";
 
-std::string Written(const Recording& recording) {
+// The text read and written back, frame by frame.
+std::string Rewritten(const std::string& text) {
+    std::istringstream in(text);
     std::ostringstream out;
-    recording.Write(out);
+    RecordingReader reader(in, "");
+    RecordingWriter writer(out);
+    writer.Begin(reader.Joints(), reader.HasLabels());
+    for (RecordedFrame frame; reader.Next(frame);) writer.Write(frame);
     return out.str();
 }
 
 std::string ReadError(const std::string& text) {
     std::istringstream in(text);
     try {
-        Recording::Read(in);
+        RecordingReader(in, "r.csv").Summarise();
     } catch (const std::runtime_error& error) {
         return error.what();
     }
@@ -36,37 +42,55 @@ std::string ReadError(const std::string& text) {
 
 TEST(RecordingTest, ReadsAndWritesTheNativeFormatUnchanged) {
     std::istringstream in(kNative);
-    const Recording recording = Recording::Read(in);
-    EXPECT_EQ(recording.joints, (std::vector<int32_t>{PELMORA_JOINT_HEAD, PELMORA_JOINT_RIGHT_FOOT}));
-    ASSERT_EQ(recording.frames.size(), 3u);
-    EXPECT_EQ(recording.frames[1].timeMs, 33.333);
-    EXPECT_EQ(recording.frames[1].player, 3);
-    EXPECT_EQ(recording.frames[1].label, "kick, \"high\"");
-    EXPECT_EQ(recording.frames[2].joints[0].x, 1e-07f);
-    EXPECT_EQ(recording.frames[2].joints[1].z, 1.0f);
-    EXPECT_EQ(Written(recording), kNative);
+    RecordingReader reader(in, "");
+    EXPECT_EQ(reader.Joints(), (std::vector<int32_t>{PELMORA_JOINT_HEAD, PELMORA_JOINT_RIGHT_FOOT}));
+    RecordedFrame frame;
+    ASSERT_TRUE(reader.Next(frame) && reader.Next(frame));
+    EXPECT_EQ(frame.timeMs, 33.333);
+    EXPECT_EQ(frame.player, 3);
+    EXPECT_EQ(frame.label, "kick, \"high\"");
+    ASSERT_TRUE(reader.Next(frame));
+    EXPECT_EQ(frame.joints[0].x, 1e-07f);
+    EXPECT_EQ(frame.joints[1].z, 1.0f);
+    EXPECT_FALSE(reader.Next(frame));
+    EXPECT_EQ(Rewritten(kNative), kNative);
 }
 
-TEST(RecordingTest, LabelsAreOptional) {
-    std::istringstream in("time_ms,player,Waist.x,Waist.y,Waist.z\n\n5,0,1,2,3\r\n");
-    const Recording recording = Recording::Read(in);
-    EXPECT_FALSE(recording.hasLabels);
-    EXPECT_EQ(Written(recording), "time_ms,player,Waist.x,Waist.y,Waist.z\n5,0,1,2,3\n");
+// Line ends of any system, a byte order mark and blank lines read the same.
+TEST(RecordingTest, LabelsAreOptionalAndLineEndsAnyKind) {
+    const std::string plain = "time_ms,player,Waist.x,Waist.y,Waist.z,label\n5,0,1,2,3,\n6,0,1,2,3,a\n";
+    for (const char* text : {"time_ms,player,Waist.x,Waist.y,Waist.z,label\r\n\r\n5,0,1,2,3,\r\n6,0,1,2,3,a\r\n",
+                             "\xEF\xBB\xBFtime_ms,player,Waist.x,Waist.y,Waist.z,label\r5,0,1,2,3,\r6,0,1,2,3,a"})
+        EXPECT_EQ(Rewritten(text), plain) << text;
+    EXPECT_EQ(Rewritten("time_ms,player,Waist.x,Waist.y,Waist.z\n\n5,0,1,2,3\n"), "time_ms,player,Waist.x,Waist.y,Waist.z\n5,0,1,2,3\n");
 }
 
 TEST(RecordingTest, NamesTheLineAndTheFault) {
     const std::string header = "time_ms,player,Head.x,Head.y,Head.z\n";
-    EXPECT_EQ(ReadError(""), "no header: the file is empty");
-    EXPECT_EQ(ReadError("time,player,Head.x,Head.y,Head.z\n"), "line 1: the header must begin with time_ms,player");
-    EXPECT_EQ(ReadError("time_ms,player,Head.x,Head.y\n"),
-              "line 1: joint columns come in threes: <Joint>.x,<Joint>.y,<Joint>.z");
-    EXPECT_EQ(ReadError("time_ms,player,Nose.x,Nose.y,Nose.z\n"), "line 1: unknown joint column \"Nose.x\"");
-    EXPECT_EQ(ReadError("time_ms,player,Head.x,Head.z,Head.y\n"), "line 1: expected column \"Head.y\", found \"Head.z\"");
-    EXPECT_EQ(ReadError("time_ms,player,Head.x,Head.y,Head.z,Head.x,Head.y,Head.z\n"), "line 1: joint Head appears twice");
-    EXPECT_EQ(ReadError(header + "0,0,1,2\n"), "line 2: expected 5 fields, found 4");
-    EXPECT_EQ(ReadError(header + "0,0,1,2,x\n"), "line 2: Head.z is not a number: \"x\"");
-    EXPECT_EQ(ReadError(header + "0,1.5,1,2,3\n"), "line 2: player is not an integer: \"1.5\"");
-    EXPECT_EQ(ReadError(header + "10,0,1,2,3\n9,0,1,2,3\n"), "line 3: time_ms goes back in time");
+    std::string players = header;
+    for (int p = 0; p <= 256; ++p) players += "0," + std::to_string(p) + ",0,1,2\n";
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"", "r.csv: no header: the file is empty"},
+        {"time,player,Head.x,Head.y,Head.z\n", "r.csv: line 1: the header must begin with time_ms,player"},
+        {"time_ms,player,Head.x,Head.y\n", "r.csv: line 1: joint columns come in threes: <Joint>.x,<Joint>.y,<Joint>.z"},
+        {"time_ms,player,Nose.x,Nose.y,Nose.z\n", "r.csv: line 1: unknown joint column \"Nose.x\""},
+        {"time_ms,player,Head.x,Head.z,Head.y\n", "r.csv: line 1: expected column \"Head.y\", found \"Head.z\""},
+        {"time_ms,player,Head.x,Head.y,Head.z,Head.x,Head.y,Head.z\n", "r.csv: line 1: joint Head appears twice"},
+        {std::string("\xFF\xFE", 2) + "t\0", "r.csv: line 1: the file is UTF-16 text; save it as UTF-8"},
+        {header + "0,0,1,2\n", "r.csv: line 2: expected 5 fields, found 4"},
+        {header + "0,0,1,2,x\n", "r.csv: line 2: Head.z is not a number: \"x\""},
+        {header + "0,0,1e39,2,3\n", "r.csv: line 2: Head.x is out of range: \"1e39\""},
+        {header + "0,0,inf,2,3\n", "r.csv: line 2: Head.x is not finite: \"inf\""},
+        {header + "nan,0,1,2,3\n", "r.csv: line 2: time_ms is not finite: \"nan\""},
+        {header + "1e300,0,1,2,3\n", "r.csv: line 2: time_ms is out of range: 1e+300 is beyond +-9007199254740992"},
+        {header + "0,1.5,1,2,3\n", "r.csv: line 2: player is not an integer: \"1.5\""},
+        {header + "10,0,1,2,3\n9,0,1,2,3\n", "r.csv: line 3: time_ms goes back in time"},
+        {header + "0,0,1,2,3\n0,0,1,2,\"3\n4\"\n", "r.csv: line 3: a quoted field is not closed on its line"},
+        {header + std::string("0,0,1,2,3\0\n", 11), "r.csv: line 2: holds a NUL byte: not a text file"},
+        {header + std::string(CsvLineReader::kMaxLineBytes + 1, ' '), "r.csv: line 2: longer than 1048576 bytes"},
+        {players, "r.csv: line 258: more than 256 distinct players, the most a replay takes"},
+    };
+    for (const auto& [text, error] : cases) EXPECT_EQ(ReadError(text), error) << text.substr(0, 80);
 }
 
 TEST(RecordingTest, LabelSpansRunToThePlayersNextFrame) {

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <sstream>
 #include <stdexcept>
 
 #include "tools/EventPrinter.h"
+#include "tools/RecordingWriter.h"
 #include "tools/Replay.h"
 
 using namespace PelmoraTool;
@@ -68,20 +70,21 @@ TEST_P(ReplayModes, PrintsFinishesAsJsonLinesByDefault) {
 // Player numbers 9 and 4 become the library's players 1 and 0; events name
 // the recording's numbers, and each player keeps its own progress.
 TEST_P(ReplayModes, KeepsPlayersApart) {
-    const Recording wave = Recording::ReadFile(kWave);
-    Recording two = wave;
-    two.frames.clear();
-    for (const RecordedFrame& frame : wave.frames) {
+    const std::string path = ::testing::TempDir() + "pelmora_two_players.csv";
+    std::ofstream file(path, std::ios::binary);
+    RecordingReader wave(kWave);
+    RecordingWriter two(file);
+    two.Begin(wave.Joints(), true);
+    for (RecordedFrame frame; wave.Next(frame);) {
         RecordedFrame still = frame;
         still.player = 9;
         still.label.clear();
         still.joints[1].y = 1.0f;  // the hand stays down
-        two.frames.push_back(still);
-        two.frames.push_back(frame);
-        two.frames.back().player = 4;
+        two.Write(still);
+        frame.player = 4;
+        two.Write(frame);
     }
-    const std::string path = ::testing::TempDir() + "pelmora_two_players.csv";
-    two.WriteFile(path);
+    file.close();
     EXPECT_EQ(Replayed(path, InMode(GetParam()), false, false),
               (std::vector<std::string>{"600 ms frame 13 player 4: RaiseHand finished segment 1 [raise]",
                                         "1600 ms frame 32 player 9: LeftStep finished segment 1",
