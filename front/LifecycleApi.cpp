@@ -5,8 +5,8 @@
 // Thread-safety: lifecycle and configuration calls belong to one host thread
 // while no pass runs; the look-ups only read compiled tables.
 #include <cctype>
-#include <cstdio>
 #include <cstdint>
+#include <cstdio>
 
 #include "config/GestureConfigManager.h"
 #include "engine/Diagnostics.h"

@@ -245,6 +245,8 @@ def point_array(joints):
     a sequence of (x, y, z) triples or Point3."""
     if isinstance(joints, ctypes.Array) and joints._type_ is Point3:
         return joints
+    if isinstance(joints, (int, ctypes._Pointer, c_void_p)):
+        raise TypeError("a joint frame must hold its joints; a %s gives no length" % type(joints).__name__)
     if _numpy is not None and isinstance(joints, _numpy.ndarray):
         flat = _numpy.ascontiguousarray(joints, dtype=_numpy.float32).reshape(-1)
         if flat.size % 3:

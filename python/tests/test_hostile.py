@@ -31,6 +31,8 @@ class HostileArgumentsTest(unittest.TestCase):
             (lambda: LIBRARY.GetPlayerGestureState(0, (pelmora.PelmoraResult16 * 2)()), E,
              "results buffer holds 1 records of 24 bytes, GetGestureNum(0) is 2"),
             (lambda: LIBRARY.UpdateSketonData(0, DOWN[:2], 3), E, "count 3 is more than the 2 joints given"),
+            (lambda: LIBRARY.UpdateSketonData(0, ctypes.pointer(pelmora.Point3())), TypeError,
+             "a joint frame must hold its joints; a LP_Point3 gives no length"),
             (lambda: LIBRARY.UpdateSketonDataImmediate(0, DOWN, results, 4), E,
              "count 4 is more than the 3 joints given"),
             (lambda: s.update(0, DOWN[:2]), E, "a frame of 2 joints, the session's skeleton has 3"),
@@ -74,25 +76,26 @@ class HostileArgumentsTest(unittest.TestCase):
 
 class CloseUnderLoadTest(unittest.TestCase):
     def test_close_waits_for_calls_in_flight_and_later_calls_raise(self):
-        s, updates, ended = session(), threading.Semaphore(0), []
+        for _ in range(5):  # each round closes at some point of an update
+            s, updates, ended = session(), threading.Semaphore(0), []
 
-        def feed():
-            try:
-                while True:
-                    s.update(0, DOWN)
-                    updates.release()
-            except E as error:
-                ended.append(str(error))
+            def feed():
+                try:
+                    while True:
+                        s.update(0, DOWN)
+                        updates.release()
+                except E as error:
+                    ended.append(str(error))
 
-        threads = [threading.Thread(target=feed) for _ in range(2)]
-        with pelmora.capture_library_output():
-            for thread in threads:
-                thread.start()
-            self.assertTrue(all(updates.acquire(timeout=60) for _ in range(100)))
-            s.close()
-            for thread in threads:
-                thread.join(60)
-        self.assertEqual(ended, ["the session is closed"] * 2)
+            threads = [threading.Thread(target=feed) for _ in range(2)]
+            with pelmora.capture_library_output():
+                for thread in threads:
+                    thread.start()
+                self.assertTrue(all(updates.acquire(timeout=60) for _ in range(100)))
+                s.close()
+                for thread in threads:
+                    thread.join(60)
+            self.assertEqual(ended, ["the session is closed"] * 2)
 
 
 if __name__ == "__main__":
