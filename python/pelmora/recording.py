@@ -84,24 +84,37 @@ def _read_row(fields, joints, has_labels, line):
 
 
 def read_recording(path):
-    """Reads a recording; ValueError names the file and line at fault."""
+    """Reads a recording; ValueError names the file and line at fault (the
+    line a row begins on, when a quoted label spans lines)."""
     joints, has_labels, frames = None, False, []
     with open(path, newline="", encoding="utf-8") as stream:
-        for number, fields in enumerate(csv.reader(stream), start=1):
-            if not "".join(fields).strip(" \t\r"):
-                continue
-            try:
-                if joints is None:
-                    joints, has_labels = _read_header([f.strip(" \t\r") for f in fields])
-                    continue
-                frames.append(_read_row(fields, joints, has_labels, number))
-            except ValueError as error:
-                raise ValueError("%s: line %d: %s" % (path, number, error)) from None
-            if len(frames) > 1 and frames[-1].time_ms < frames[-2].time_ms:
-                raise ValueError("%s: line %d: time_ms goes back in time" % (path, number))
+        reader, number = csv.reader(stream, strict=True), 1
+        try:
+            for fields in reader:
+                joints, has_labels = _read_line(fields, joints, has_labels, frames, number)
+                number = reader.line_num + 1
+        except UnicodeDecodeError:  # decoded ahead of the rows: no line to name
+            raise ValueError("%s: not UTF-8 text" % path) from None
+        except csv.Error as error:
+            reason = "a quoted field is not closed" if "end of data" in str(error) else error
+            raise ValueError("%s: line %d: %s" % (path, number, reason)) from None
+        except ValueError as error:
+            raise ValueError("%s: line %d: %s" % (path, number, error)) from None
     if joints is None:
         raise ValueError("%s: no header: the file is empty" % path)
     return Recording(joints, has_labels, frames)
+
+
+def _read_line(fields, joints, has_labels, frames, number):
+    """Reads the header (returned) or appends a frame of a data line."""
+    if not "".join(fields).strip(" \t\r"):
+        return joints, has_labels
+    if joints is None:
+        return _read_header([f.strip(" \t\r") for f in fields])
+    frames.append(_read_row(fields, joints, has_labels, number))
+    if len(frames) > 1 and frames[-1].time_ms < frames[-2].time_ms:
+        raise ValueError("time_ms goes back in time")
+    return joints, has_labels
 
 
 def format_ms(value):

@@ -113,7 +113,7 @@ class TextTest(unittest.TestCase):
 
 class RecordingTest(unittest.TestCase):
     def read(self, text):
-        with tempfile.NamedTemporaryFile("w", suffix=".csv", delete=False) as f:
+        with tempfile.NamedTemporaryFile("w", suffix=".csv", delete=False, errors="surrogateescape") as f:
             f.write(text)
         self.addCleanup(os.unlink, f.name)
         return pelmora.read_recording(f.name)
@@ -136,6 +136,9 @@ class RecordingTest(unittest.TestCase):
             "time_ms,player,Head.x,Head.y,Head.z\n5,0,1,2,3\n4,0,1,2,3\n": "line 3: time_ms goes back",
             "time_ms,player,Head.x,Head.y,Head.z\n0,0,1,2,3\nnan,0,1,2,3\n": 'line 3: time_ms is not a finite',
             "time_ms,player,Head.x,Head.y,Head.z\n-inf,0,1,2,3\n": 'line 2: time_ms is not a finite number: "-inf"',
+            "time_ms,player,Head.x,Head.y,Head.z,label\n0,0,1,2,3,\"a\nb\"\n0,0,x\n": "line 4: expected 6 fields",
+            "time_ms,player,Head.x,Head.y,Head.z,label\n0,0,1,2,3,\"open\n": "line 2: a quoted field is not closed",
+            "time_ms,player,Head.x,Head.y,Head.z\n0,0,1,2,\udcff\n": "not UTF-8 text",
             "": "no header",
         }
         for text, message in faults.items():
