@@ -108,17 +108,20 @@ void Replay::PrepareTimeline(const std::string& configPath) {
         player.player = m_Summary.players[p].number;
         player.startMs = m_Summary.players[p].firstMs;
         player.endMs = m_Summary.players[p].lastMs;
+        player.buckets = TimeBuckets(player.startMs, player.endMs);
         for (uint32_t g : m_Enabled) {
             GestureLane lane;
             lane.name = m_GestureNames[g];
             lane.segmentCount = static_cast<uint32_t>(table->GetGesture(static_cast<size_t>(g))->GetSegmentSize());
             if (g < document.gestures.size()) lane.qualifications = Descriptions(document.gestures[g]);
-            lane.progress.push_back({player.startMs, 0.0});
+            lane.buckets = player.buckets;
+            lane.progress = SampledSeries(player.buckets);
+            lane.progress.Add(player.startMs, 0.0);
             player.lanes.push_back(lane);
         }
         for (const std::string& name : m_Options.plots) {
             m_Players[p].plots.push_back(PlotSource(static_cast<int>(p), name));
-            player.plots.push_back({name, {}});
+            player.plots.push_back({name, SampledSeries(player.buckets)});
         }
         m_Timeline.players.push_back(player);
     }
@@ -271,7 +274,7 @@ void Replay::HandleRecord(int player, double timeMs, const PelmoraResult24& reco
         waitingIn = HandleFailure(player, record);
         if (waitingIn == 0 && segment > 0) Emit(player, timeMs, gesture, EventKind::Reset, segment);
     }
-    if (GestureLane* lane = Lane(player, gesture)) lane->progress.push_back({timeMs, static_cast<double>(waitingIn)});
+    if (GestureLane* lane = Lane(player, gesture)) lane->progress.Add(timeMs, static_cast<double>(waitingIn));
 }
 
 // The segment the gesture waits in after a failed check: the same one, or 0
@@ -296,7 +299,7 @@ void Replay::Emit(int player, double timeMs, uint32_t gesture, EventKind kind, u
     event.label = m_Players[player].lastLabel;
     m_Sink(event);
     GestureLane* lane = Lane(player, gesture);
-    if (lane && kind != EventKind::Advanced) lane->markers.push_back({timeMs, kind, segment});
+    if (lane && kind != EventKind::Advanced) lane->Mark(timeMs, kind, segment);
 }
 
 GestureLane* Replay::Lane(int player, uint32_t gesture) {
@@ -307,7 +310,7 @@ GestureLane* Replay::Lane(int player, uint32_t gesture) {
 void Replay::SamplePlots(int player, double timeMs) {
     if (!m_Options.keepTimeline) return;
     std::vector<PlotSeries>& series = m_Timeline.players[player].plots;
-    for (size_t k = 0; k < series.size(); ++k) series[k].points.push_back({timeMs, Number(m_Players[player].plots[k])});
+    for (size_t k = 0; k < series.size(); ++k) series[k].points.Add(timeMs, Number(m_Players[player].plots[k]));
 }
 
 }  // namespace PelmoraTool

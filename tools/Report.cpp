@@ -89,6 +89,12 @@ std::string StepPoints(const std::vector<TimePoint>& samples, const TimeScale& s
     return points;
 }
 
+std::string LabelTitle(const LabelSpan& span) {
+    const std::string range = Seconds(span.startMs) + " to " + Seconds(span.endMs);
+    if (span.runs == 1) return Escape(span.label) + ": " + range;
+    return std::to_string(span.runs) + " labelled runs, " + range + ", the first " + Escape(span.label);
+}
+
 void WriteLabels(std::ostream& out, const PlayerTimeline& player, const TimeScale& scale, double height) {
     out << "<g class=\"labels\">\n";
     for (const LabelSpan& span : player.labels) {
@@ -96,8 +102,7 @@ void WriteLabels(std::ostream& out, const PlayerTimeline& player, const TimeScal
         const double x = scale.X(span.startMs);
         out << "<rect class=\"label-span\" x=\"" << Px(x) << "\" y=\"" << Px(kTop) << "\" width=\""
             << Px(std::max(scale.X(span.endMs) - x, 1.0)) << "\" height=\"" << Px(height - kTop) << "\" fill=\""
-            << kLabelColours[colour] << "\"><title>" << Escape(span.label) << ": " << Seconds(span.startMs) << " to "
-            << Seconds(span.endMs) << "</title></rect>\n";
+            << kLabelColours[colour] << "\"><title>" << LabelTitle(span) << "</title></rect>\n";
         out << "<text class=\"label-text\" x=\"" << Px(x + 2) << "\" y=\"" << Px(kTop + 10) << "\">" << Escape(span.label)
             << "</text>\n";
     }
@@ -106,8 +111,9 @@ void WriteLabels(std::ostream& out, const PlayerTimeline& player, const TimeScal
 
 void WritePlot(std::ostream& out, const PlotSeries& series, const TimeScale& scale, double top) {
     double low = 0.0, high = 0.0;
-    if (!series.points.empty()) {
-        const auto [minimum, maximum] = std::minmax_element(series.points.begin(), series.points.end(),
+    const std::vector<TimePoint>& points = series.points.Points();
+    if (!points.empty()) {
+        const auto [minimum, maximum] = std::minmax_element(points.begin(), points.end(),
                                                             [](const TimePoint& a, const TimePoint& b) { return a.value < b.value; });
         low = minimum->value;
         high = maximum->value;
@@ -119,14 +125,16 @@ void WritePlot(std::ostream& out, const PlotSeries& series, const TimeScale& sca
         << "<text class=\"range\" x=\"8\" y=\"" << Px(top + 32) << "\">" << Numbers::Format(static_cast<float>(low))
         << " .. " << Numbers::Format(static_cast<float>(high)) << "</text>\n"
         << "<polyline class=\"series\" points=\"";
-    for (const TimePoint& point : series.points) out << Px(scale.X(point.timeMs)) << ',' << Px(y(point.value)) << ' ';
+    for (const TimePoint& point : points) out << Px(scale.X(point.timeMs)) << ',' << Px(y(point.value)) << ' ';
     out << "\"/>\n</g>\n";
 }
 
 void WriteMarker(std::ostream& out, const LaneMarker& marker, const TimeScale& scale, double y) {
     const double x = scale.X(marker.timeMs);
-    const std::string what = std::string(EventName(marker.kind)) + " at " + Seconds(marker.timeMs) + ", segment " +
-                             std::to_string(marker.segment);
+    const std::string what = marker.count == 1 ? std::string(EventName(marker.kind)) + " at " + Seconds(marker.timeMs) +
+                                                     ", segment " + std::to_string(marker.segment)
+                                               : std::to_string(marker.count) + " " + EventName(marker.kind) + "s from " +
+                                                     Seconds(marker.timeMs) + " to " + Seconds(marker.lastMs);
     if (marker.kind == EventKind::Finished) {
         out << "<circle class=\"finish\" cx=\"" << Px(x) << "\" cy=\"" << Px(y) << "\" r=\"5\"><title>" << what
             << "</title></circle>\n";
@@ -148,7 +156,7 @@ void WriteLane(std::ostream& out, const GestureLane& lane, size_t player, size_t
         << "<text class=\"range\" x=\"8\" y=\"" << Px(top + 32) << "\">" << lane.segmentCount << " segments</text>\n"
         << "<line class=\"base\" x1=\"" << Px(kLeft) << "\" x2=\"" << Px(kWidth - kRight) << "\" y1=\"" << Px(bottom)
         << "\" y2=\"" << Px(bottom) << "\"/>\n"
-        << "<polyline class=\"progress\" points=\"" << StepPoints(lane.progress, scale, timeline.endMs, y) << "\"/>\n";
+        << "<polyline class=\"progress\" points=\"" << StepPoints(lane.progress.Points(), scale, timeline.endMs, y) << "\"/>\n";
     for (const LaneMarker& marker : lane.markers) WriteMarker(out, marker, scale, y(0.0) - 6.0);
     out << "</g>\n";
 }
@@ -212,9 +220,8 @@ void WriteWhyNot(std::ostream& out, const PlayerTimeline& player) {
     out << "<table class=\"why-not\">\n<tr><th>Gesture</th><th>Finishes</th><th>Waited longest in</th>"
            "<th>Most often failing there</th></tr>\n";
     for (const GestureLane& lane : player.lanes) {
-        const auto finishes = std::count_if(lane.markers.begin(), lane.markers.end(),
-                                            [](const LaneMarker& m) { return m.kind == EventKind::Finished; });
-        out << "<tr data-gesture=\"" << Escape(lane.name) << "\"><td>" << Escape(lane.name) << "</td><td>" << finishes
+        out << "<tr data-gesture=\"" << Escape(lane.name) << "\"><td>" << Escape(lane.name) << "</td><td>"
+            << lane.Count(EventKind::Finished)
             << "</td>" << WhyNotText(lane.Explain()) << "</tr>\n";
     }
     out << "</table>\n";

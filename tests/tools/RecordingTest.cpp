@@ -95,6 +95,7 @@ TEST(RecordingTest, NamesTheLineAndTheFault) {
 
 TEST(RecordingTest, LabelSpansRunToThePlayersNextFrame) {
     PlayerTimeline player;
+    player.buckets = TimeBuckets(0.0, 400.0);
     for (const auto& [timeMs, label] : std::vector<std::pair<double, std::string>>{
              {0, ""}, {100, "a"}, {200, "a"}, {300, ""}, {400, "c"}})
         player.AddFrame(timeMs, label);

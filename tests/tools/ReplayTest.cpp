@@ -125,11 +125,11 @@ TEST(ReplayTest, TimelineCountsWhichQualificationHeldEachGestureBack) {
     EXPECT_EQ(why.segment, 0u);
     EXPECT_EQ(why.waitingChecks, 10u);
     EXPECT_EQ(why.description, "Less(@P_LeftFoot.x, -0.3)");
-    EXPECT_EQ(player.lanes[1].progress[4].value, 1.0);  // frame 3 advanced RaiseHand
+    EXPECT_EQ(player.lanes[1].progress.Points()[4].value, 1.0);  // frame 3 advanced RaiseHand
     ASSERT_EQ(player.plots.size(), 2u);
-    ASSERT_EQ(player.plots[0].points.size(), 19u);  // every frame but the first, which warms up
-    EXPECT_FLOAT_EQ(player.plots[0].points[2].value, 0.3f);
-    EXPECT_EQ(player.plots[1].points[7].value, -0.5);
+    ASSERT_EQ(player.plots[0].points.Points().size(), 19u);  // every frame but the first, which warms up
+    EXPECT_FLOAT_EQ(player.plots[0].points.Points()[2].value, 0.3f);
+    EXPECT_EQ(player.plots[1].points.Points()[7].value, -0.5);
 }
 
 TEST(ReplayTest, RefusesPlotsThatAreNotNumbers) {
