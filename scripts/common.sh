@@ -4,23 +4,36 @@ set -euo pipefail
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 JOBS="$(nproc)"
 
-# ensure_packages PKG...: installs the Debian packages that are missing.
+# installed PKG[=VERSION]: true when the Debian package is installed, at
+# VERSION when one is named.
+installed() {
+    local name="${1%%=*}" status
+    status="$(dpkg-query -W -f='${Status} ${Version}' "$name" 2>/dev/null)" || return 1
+    [[ "$status" == "install ok installed "* ]] || return 1
+    [[ "$1" != *=* ]] || [ "${status##* }" = "${1#*=}" ]
+}
+
+# ensure_packages PKG[=VERSION]...: installs the Debian packages that are
+# missing or, where a version is named, at another version.
 # A prepared machine never touches the network.
 ensure_packages() {
     local missing=()
     for pkg in "$@"; do
-        dpkg -s "$pkg" >/dev/null 2>&1 || missing+=("$pkg")
+        installed "$pkg" || missing+=("$pkg")
     done
     [ ${#missing[@]} -eq 0 ] && return 0
     echo "== Installing ${missing[*]}"
     local sudo=""
     [ "$(id -u)" -eq 0 ] || sudo="sudo"
     $sudo apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${missing[@]}" >/dev/null
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --allow-downgrades "${missing[@]}" >/dev/null
 }
 
+# The TinyXML release config/XmlText.cpp mirrors (CMakeLists.txt insists on it).
+TINYXML_PACKAGE=libtinyxml-dev=2.6.2-6+deb12u1
+
 # What the library and the pelmora tool build with, and what the tests add.
-BUILD_PACKAGES=(cmake ninja-build g++ pkg-config python3 libtinyxml-dev libgtest-dev libgmock-dev libcli11-dev nlohmann-json3-dev)
+BUILD_PACKAGES=(cmake ninja-build g++ pkg-config python3 "$TINYXML_PACKAGE" libgtest-dev libgmock-dev libcli11-dev nlohmann-json3-dev)
 TEST_PACKAGES=("${BUILD_PACKAGES[@]}" chromium valgrind)
 
 # build DIR [CMAKE ARGS...]: configures and builds everything into DIR.
