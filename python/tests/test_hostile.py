@@ -1,69 +1,41 @@
-"""Hostile arguments are refused before C could touch memory it does not
-own; a session closed under running threads stops them with an error."""
+"""Hostile arguments (the table tests/data/python/hostile_calls.tsv) are
+refused before C could touch memory it does not own; a session closed under
+running threads stops them with an error."""
 
+import builtins
 import ctypes
 import os
 import tempfile
 import threading
 import unittest
 
-from support import DOWN, JOINTS, LIBRARY, pelmora, session
+from support import CONFIG, DOWN, JOINTS, LIBRARY, SOURCE_DIR, pelmora, session
 
 E = pelmora.PelmoraError
 
 
-def param(types=None, SkeletonNum=3, **sizes):
+def param(types=None, **fields):
     types = (ctypes.c_int32 * 3)(1, 9, 15) if types is None else types
-    return pelmora.GestureConfigParam(ReturnInfoType=2, SkeletonNum=SkeletonNum, SkeletonTypeArray=types, **sizes)
+    return pelmora.GestureConfigParam(ReturnInfoType=2, SkeletonTypeArray=types, **dict({"SkeletonNum": 3}, **fields))
 
 
 class HostileArgumentsTest(unittest.TestCase):
     def tearDown(self):
         pelmora.session._close_at_exit()
 
-    def test_each_is_refused_with_its_error(self):
-        s = session()
-        results = (pelmora.PelmoraResult24 * 2)()
-        closed = pelmora.Session(JOINTS, library=LIBRARY)
-        cases = [
-            (lambda: LIBRARY.UpdateSketonDataImmediate(0, DOWN, 0xDEAD), TypeError,
-             "results must be a ctypes array of result records, not int"),
-            (lambda: LIBRARY.GetPlayerGestureState(0, (pelmora.PelmoraResult16 * 2)()), E,
-             "results buffer holds 1 records of 24 bytes, GetGestureNum(0) is 2"),
-            (lambda: LIBRARY.UpdateSketonData(0, DOWN[:2], 3), E, "count 3 is more than the 2 joints given"),
-            (lambda: LIBRARY.UpdateSketonData(0, ctypes.pointer(pelmora.Point3())), TypeError,
-             "a joint frame must hold its joints; a LP_Point3 gives no length"),
-            (lambda: LIBRARY.UpdateSketonDataImmediate(0, DOWN, results, 4), E,
-             "count 4 is more than the 3 joints given"),
-            (lambda: s.update(0, DOWN[:2]), E, "a frame of 2 joints, the session's skeleton has 3"),
-            (lambda: s.update(-1, DOWN), E, "player -1 is not one of the session's 1"),
-            (lambda: s.results(1), E, "player 1 is not one of the session's 1"),
-            (lambda: s.submit(0, None), E, "a frame is needed, got None"),
-            (lambda: s.enable(0, 2), E, "gesture 2 is not one of the 2 compiled"),
-            (lambda: s.velocities(0), E, "the session keeps no velocities: open it with velocity_data=True"),
-            (s.close, None, None),
-            (lambda: s.update(0, DOWN), E, "the session is closed"),
-            (lambda: closed.results(0), E, "the session is closed"),
-            (lambda: LIBRARY.InitPelmora(param(SkeletonNum=4)), E,
-             "SkeletonTypeArray holds 3 joint types, SkeletonNum is 4"),
-            (lambda: LIBRARY.InitPelmora(param(ctypes.pointer(ctypes.c_int32(1)), 2)), E,
-             "SkeletonTypeArray holds 1 joint types, SkeletonNum is 2"),
-            (lambda: LIBRARY.InitPelmora(param(VelocityFrameNum=2 ** 31 - 1)), E,
-             "VelocityFrameNum 2147483647 is above the library's limit of 4096"),
-            (lambda: pelmora.Session(JOINTS, 2 ** 32 + 1, library=LIBRARY).open(), OverflowError,
-             "PlayerNum 4294967297 does not fit the C argument"),
-            (lambda: pelmora.Session(JOINTS, 10 ** 6, library=LIBRARY).open(), E,
-             "PlayerNum 1000000 is above the library's limit of 1024"),
-        ]
-        for row, (call, error, message) in enumerate(cases):
-            if error is None:
-                call()
-                continue
-            with self.subTest(row=row, message=message), self.assertRaises(error) as raised:
-                call()
-            self.assertEqual(str(raised.exception), message)
-        with session(velocity_data=True) as s:
-            self.assertIsNone(s.velocities(0))  # nothing evaluated yet
+    def test_each_call_of_the_table_raises_its_error(self):
+        scope = dict(s=session(), LIBRARY=LIBRARY, DOWN=DOWN, JOINTS=JOINTS, CONFIG=CONFIG, pelmora=pelmora,
+                     ctypes=ctypes, param=param)
+        with open(os.path.join(SOURCE_DIR, "tests", "data", "python", "hostile_calls.tsv")) as table:
+            rows = [line.rstrip("\n").split("\t") for line in table if not line.startswith("#")]
+        for call, error, message in rows:
+            with self.subTest(call):
+                if error == "-":
+                    self.assertEqual(repr(eval(call, scope)), message)
+                    continue
+                with self.assertRaises(getattr(pelmora, error, None) or getattr(builtins, error)) as raised:
+                    eval(call, scope)
+                self.assertEqual(str(raised.exception), message)
 
     def test_replay_names_the_recording(self):
         with tempfile.NamedTemporaryFile("w", suffix=".csv", delete=False) as f:
