@@ -68,7 +68,7 @@ std::vector<std::string> Words(const std::string& text) {
 template <class ReadLine>
 void ForEachLine(CsvLineReader& lines, ReadLine read) {
     for (std::string line; lines.Next(line);) {
-        if (Numbers::Trim(line).empty()) continue;
+        if (Numbers::IsBlank(line)) continue;
         try {
             read(line);
         } catch (const std::runtime_error& error) {

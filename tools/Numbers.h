@@ -21,6 +21,8 @@ long long ReadInteger(const std::string& text, const std::string& what);
 
 // The text without blanks, tabs and carriage returns at either end.
 std::string Trim(const std::string& text);
+// Whether the text is nothing but those.
+bool IsBlank(const std::string& text);
 
 }  // namespace Numbers
 }  // namespace PelmoraTool

@@ -46,11 +46,11 @@ std::runtime_error RecordingReader::Error(const std::string& what) const {
 
 void RecordingReader::ReadHeader() {
     try {
-        while (m_Lines.Next(m_Line) && Numbers::Trim(m_Line).empty()) {}
+        while (m_Lines.Next(m_Line) && Numbers::IsBlank(m_Line)) {}
     } catch (const std::runtime_error& error) {
         throw Error(error.what());
     }
-    if (Numbers::Trim(m_Line).empty()) throw Error("no header: the file is empty");
+    if (Numbers::IsBlank(m_Line)) throw Error("no header: the file is empty");
     try {
         std::vector<std::string> columns = Csv::Split(Numbers::Trim(m_Line));
         for (std::string& column : columns) column = Numbers::Trim(column);
@@ -74,7 +74,7 @@ bool RecordingReader::Next(RecordedFrame& frame) {
     try {
         do {
             if (!m_Lines.Next(m_Line)) return false;
-        } while (Numbers::Trim(m_Line).empty());
+        } while (Numbers::IsBlank(m_Line));
     } catch (const std::runtime_error& error) {
         throw Error(error.what());
     }
