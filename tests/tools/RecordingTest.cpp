@@ -65,10 +65,9 @@ TEST(RecordingTest, LabelsAreOptionalAndLineEndsAnyKind) {
     EXPECT_EQ(Rewritten("time_ms,player,Waist.x,Waist.y,Waist.z\n\n5,0,1,2,3\n"), "time_ms,player,Waist.x,Waist.y,Waist.z\n5,0,1,2,3\n");
 }
 
+// More cases run end to end in tests/data/hostile/cases.tsv.
 TEST(RecordingTest, NamesTheLineAndTheFault) {
     const std::string header = "time_ms,player,Head.x,Head.y,Head.z\n";
-    std::string players = header;
-    for (int p = 0; p <= 256; ++p) players += "0," + std::to_string(p) + ",0,1,2\n";
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"", "r.csv: no header: the file is empty"},
         {"time,player,Head.x,Head.y,Head.z\n", "r.csv: line 1: the header must begin with time_ms,player"},
@@ -76,19 +75,13 @@ TEST(RecordingTest, NamesTheLineAndTheFault) {
         {"time_ms,player,Nose.x,Nose.y,Nose.z\n", "r.csv: line 1: unknown joint column \"Nose.x\""},
         {"time_ms,player,Head.x,Head.z,Head.y\n", "r.csv: line 1: expected column \"Head.y\", found \"Head.z\""},
         {"time_ms,player,Head.x,Head.y,Head.z,Head.x,Head.y,Head.z\n", "r.csv: line 1: joint Head appears twice"},
-        {std::string("\xFF\xFE", 2) + "t\0", "r.csv: line 1: the file is UTF-16 text; save it as UTF-8"},
         {header + "0,0,1,2\n", "r.csv: line 2: expected 5 fields, found 4"},
         {header + "0,0,1,2,x\n", "r.csv: line 2: Head.z is not a number: \"x\""},
-        {header + "0,0,1e39,2,3\n", "r.csv: line 2: Head.x is out of range: \"1e39\""},
         {header + "0,0,inf,2,3\n", "r.csv: line 2: Head.x is not finite: \"inf\""},
-        {header + "nan,0,1,2,3\n", "r.csv: line 2: time_ms is not finite: \"nan\""},
         {header + "1e300,0,1,2,3\n", "r.csv: line 2: time_ms is out of range: 1e+300 is beyond +-9007199254740992"},
         {header + "0,1.5,1,2,3\n", "r.csv: line 2: player is not an integer: \"1.5\""},
         {header + "10,0,1,2,3\n9,0,1,2,3\n", "r.csv: line 3: time_ms goes back in time"},
-        {header + "0,0,1,2,3\n0,0,1,2,\"3\n4\"\n", "r.csv: line 3: a quoted field is not closed on its line"},
-        {header + std::string("0,0,1,2,3\0\n", 11), "r.csv: line 2: holds a NUL byte: not a text file"},
         {header + std::string(CsvLineReader::kMaxLineBytes + 1, ' '), "r.csv: line 2: longer than 1048576 bytes"},
-        {players, "r.csv: line 258: more than 256 distinct players, the most a replay takes"},
     };
     for (const auto& [text, error] : cases) EXPECT_EQ(ReadError(text), error) << text.substr(0, 80);
 }
