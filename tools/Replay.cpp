@@ -1,5 +1,7 @@
 #include "tools/Replay.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
@@ -28,6 +30,13 @@ uint32_t ReadClock(void* clock) { return static_cast<std::atomic<uint32_t>*>(clo
 // timestamps of any size map onto it.
 uint32_t Ticks(double timeMs) { return static_cast<uint32_t>(static_cast<int64_t>(std::llround(timeMs))); }
 
+// The recording is read twice, so it must be there for the second time.
+void RefusePipe(const std::string& path) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) == 0 && S_ISFIFO(info.st_mode))
+        throw std::runtime_error(path + ": a replay reads the recording twice, so it cannot come from a pipe");
+}
+
 bool SelectsAll(const std::vector<std::string>& names) {
     return names.empty() || (names.size() == 1 && names[0] == "all");
 }
@@ -51,6 +60,7 @@ Replay::Replay(const std::string& recordingPath, const ReplayOptions& options, E
     : m_Path(recordingPath), m_Options(options), m_Sink(std::move(sink)) {}
 
 Timeline Replay::Run(const std::string& configPath) {
+    RefusePipe(m_Path);
     RecordingReader scan(m_Path);
     m_Summary = scan.Summarise();
     m_Joints = scan.Joints();
