@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "bench/Benchmarks.h"
-#include "bench/MallocCounter.h"
+#include "support/AllocationCounter.h"
 #include "bench/Session.h"
 #include "bench/Workload.h"
 
@@ -59,9 +59,9 @@ void Allocations(benchmark::State& state, bool worker) {
 
     uint64_t allocated = 0, frames = 0;
     for (auto _ : state) {
-        MallocWindow window;
+        PelmoraTest::AllocationCounter window;
         feed(std::chrono::seconds(1));
-        allocated += window.Allocations();
+        allocated += window.Count();
         ++frames;
     }
     if (!answered) state.SkipWithError("the worker did not answer");

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "bench/Benchmarks.h"
-#include "bench/MallocCounter.h"
+#include "support/AllocationCounter.h"
 #include "bench/Workload.h"
 #include "pelmora.h"
 
@@ -126,9 +126,9 @@ void ReplayDirect(benchmark::State& state) {
         base += frames.times.back() + kFrameMs;
     };
     pass();
-    MallocWindow allocations;
+    PelmoraTest::AllocationCounter allocations;
     for (auto _ : state) pass();
-    const uint64_t allocated = allocations.Allocations();
+    const uint64_t allocated = allocations.Count();
     ClosePelmora();
     FrameClock::Uninstall();
     state.counters["frames_per_s"] =

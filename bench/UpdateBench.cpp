@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "bench/Benchmarks.h"
-#include "bench/MallocCounter.h"
+#include "support/AllocationCounter.h"
 #include "bench/Session.h"
 #include "bench/Workload.h"
 
@@ -111,7 +111,7 @@ void UpdateLibrary(benchmark::State& state, int players, int gestures) {
 
     std::vector<PelmoraResult24> results(static_cast<size_t>(gestures) + 1);
     uint32_t count = 0;
-    MallocWindow allocations;
+    PelmoraTest::AllocationCounter allocations;
     for (auto _ : state) {
         clock.Advance(kFrameMs);
         for (int p = 0; p < players; ++p) {
@@ -121,7 +121,7 @@ void UpdateLibrary(benchmark::State& state, int players, int gestures) {
         benchmark::ClobberMemory();
         ++frame;
     }
-    const uint64_t allocated = allocations.Allocations();
+    const uint64_t allocated = allocations.Count();
     SetCounters(state, players, gestures, checks);
     state.counters["allocs_per_frame"] =
         static_cast<double>(allocated) / static_cast<double>(state.iterations() * static_cast<uint64_t>(players));

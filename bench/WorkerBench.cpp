@@ -23,7 +23,7 @@
 #include <vector>
 
 #include "bench/Benchmarks.h"
-#include "bench/MallocCounter.h"
+#include "support/AllocationCounter.h"
 #include "bench/Session.h"
 #include "bench/Workload.h"
 
@@ -206,9 +206,9 @@ void WorkerWake(benchmark::State& state, int players, int gestures) {
         std::this_thread::sleep_for(kPacing);
         double elapsed;
         {
-            MallocWindow allocations;
+            PelmoraTest::AllocationCounter allocations;
             elapsed = LibraryRoundTrip(players, motions, frame++, clock, results, ok);
-            allocated += allocations.Allocations();
+            allocated += allocations.Count();
         }
         if (!ok) {
             state.SkipWithError("the worker did not answer");

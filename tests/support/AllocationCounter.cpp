@@ -1,6 +1,7 @@
 #include "support/AllocationCounter.h"
 
 #include <atomic>
+#include <cerrno>
 #include <cstddef>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -40,6 +41,7 @@ extern "C" {
 void* __libc_malloc(size_t);
 void* __libc_calloc(size_t, size_t);
 void* __libc_realloc(void*, size_t);
+void* __libc_memalign(size_t, size_t);
 
 void* malloc(size_t size) {
     Note();
@@ -54,6 +56,25 @@ void* calloc(size_t count, size_t size) {
 void* realloc(void* block, size_t size) {
     Note();
     return __libc_realloc(block, size);
+}
+
+void* memalign(size_t alignment, size_t size) {
+    Note();
+    return __libc_memalign(alignment, size);
+}
+
+void* aligned_alloc(size_t alignment, size_t size) {
+    Note();
+    return __libc_memalign(alignment, size);
+}
+
+int posix_memalign(void** out, size_t alignment, size_t size) {
+    if (alignment % sizeof(void*) != 0 || (alignment & (alignment - 1)) != 0) return EINVAL;
+    Note();
+    void* block = __libc_memalign(alignment, size);
+    if (!block && size != 0) return ENOMEM;
+    *out = block;
+    return 0;
 }
 }
 #endif
