@@ -20,11 +20,13 @@
 #include "gesture/GestureTable.h"
 #include "pelmora.h"
 #include "processing/ProcessingTable.h"
+#include "support/Param.h"
 #include "support/Printed.h"
 #include "support/TestClock.h"
 #include "values/IdentifyValues.h"
 
 using namespace PelmoraLib;
+using PelmoraTest::Param;
 using PelmoraTest::Printed;
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -95,11 +97,7 @@ const std::string kAllSucceed = "All GestureConfig Compiler Succeed!!\n";
 class ConfigTest : public testing::Test {
 protected:
     void Init(int players = 1) {
-        GestureConfigParam param{};
-        param.PlayerNum = players;
-        param.SkeletonNum = 2;
-        param.SkeletonTypeArray = m_Types;
-        param.ReturnInfoType = PELMORA_RETURN_INFO_24;
+        GestureConfigParam param = Param(players, m_Types, 2);
         EXPECT_EQ(Printed([&] { InitPelmora(&param); }), "");
     }
     void TearDown() override { Printed(ClosePelmora); }

@@ -8,6 +8,7 @@
 
 #include "config/XmlText.h"
 #include "pelmora.h"
+#include "support/Param.h"
 
 namespace {
 
@@ -26,10 +27,7 @@ struct Load {
 void* LoadOnThisThread(void* argument) {
     Load* load = static_cast<Load*>(argument);
     int32_t types[] = {1};
-    GestureConfigParam param{};
-    param.PlayerNum = 1;
-    param.SkeletonNum = 1;
-    param.SkeletonTypeArray = types;
+    GestureConfigParam param = PelmoraTest::Param(1, types, 1);
     InitPelmora(&param);
     load->loaded = LoadConfigData(load->document.c_str());
     ClosePelmora();

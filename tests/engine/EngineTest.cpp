@@ -1,14 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <string>
-#include <thread>
-#include <vector>
 
-#include "engine/CriticalSection.h"
 #include "engine/Pelmora.h"
 #include "engine/PlayerManager.h"
 #include "gesture/GestureTable.h"
+#include "support/Param.h"
 #include "support/Printed.h"
 
 using namespace PelmoraLib;
@@ -18,59 +15,9 @@ namespace {
 
 int g_Head[1] = {1};
 
-GestureConfigParam Param(int players, int skeleton = 1) {
-    GestureConfigParam param{};
-    param.PlayerNum = players;
-    param.SkeletonNum = skeleton;
-    param.SkeletonTypeArray = g_Head;
-    param.ReturnInfoType = 2;
-    return param;
-}
+GestureConfigParam Param(int players, int skeleton = 1) { return PelmoraTest::Param(players, g_Head, skeleton); }
 
 }  // namespace
-
-// The record crosses the C interface: its size and offsets are fixed.
-TEST(GestureConfigParam, Layout) {
-    EXPECT_EQ(sizeof(GestureConfigParam), 40u);
-    EXPECT_EQ(offsetof(GestureConfigParam, ReturnInfoType), 4u);
-    EXPECT_EQ(offsetof(GestureConfigParam, PlayerNum), 8u);
-    EXPECT_EQ(offsetof(GestureConfigParam, SkeletonNum), 12u);
-    EXPECT_EQ(offsetof(GestureConfigParam, SkeletonTypeArray), 16u);
-    EXPECT_EQ(offsetof(GestureConfigParam, VelocityFrameNum), 24u);
-    EXPECT_EQ(offsetof(GestureConfigParam, VelocityMulType), 28u);
-    EXPECT_EQ(offsetof(GestureConfigParam, IsGetVelocityData), 32u);
-}
-
-TEST(CriticalSection, RecursiveAndExclusive) {
-    CriticalSection section;
-    section.Enter();
-    section.Enter();  // the owner may enter again
-    EXPECT_EQ(section.Depth(), 2);
-    section.Leave();
-    section.Leave();
-    long counter = 0;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&] {
-            for (int i = 0; i < 20000; ++i) {
-                ScopedLock lock(section);
-                ++counter;
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(counter, 80000);
-    EXPECT_EQ(section.Depth(), 0);
-}
-
-TEST(Pelmora, SingletonLifecycle) {
-    EXPECT_EQ(Printed([] { EXPECT_EQ(Pelmora::Get(), nullptr); }),
-              "Pelmora::Instance do not been created before calling get function.\n");
-    Pelmora* engine = Pelmora::Create();
-    EXPECT_EQ(Printed([&] { EXPECT_EQ(Pelmora::Create(), engine); }), "Pelmora::Instance has been created before.\n");
-    EXPECT_EQ(Pelmora::Get(), engine);
-    Pelmora::Close();
-    EXPECT_EQ(Printed([] { Pelmora::Close(); }), "Pelmora::Instance do not be created do nothing.\n");
-}
 
 // Every getter rejects indices outside 0..PlayerNum-1, negative ones too.
 TEST(Pelmora, PerPlayerTables) {

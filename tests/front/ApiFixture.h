@@ -8,6 +8,7 @@
 
 #include "pelmora.h"
 #include "support/Eventually.h"
+#include "support/Param.h"
 #include "support/Printed.h"
 #include "support/TestClock.h"
 
@@ -28,8 +29,11 @@ protected:
     void TearDown() override { Printed([] { ClosePelmora(); }); }
 
     void Init(bool worker, int players = 1, int returnType = PELMORA_RETURN_INFO_16) {
-        // Velocities from two frames; every player keeps them for the host.
-        GestureConfigParam param{worker ? 1 : 0, returnType, players, 2, m_Types, 2, PELMORA_VELOCITY_EQUAL, 1, 0};
+        // Every player keeps its velocities for the host.
+        GestureConfigParam param = Param(players, m_Types, 2);
+        param.IsUseSubThread = worker;
+        param.ReturnInfoType = returnType;
+        param.IsGetVelocityData = 1;
         InitPelmora(&param);
     }
 

@@ -2,17 +2,14 @@
 #include <gtest/gtest.h>
 
 #include "pelmora.h"
+#include "support/Param.h"
 #include "support/Printed.h"
 
 // A configuration without gestures leaves every result area empty: reading
 // results must not hand the C library a null source, even for zero bytes.
 TEST(FuzzRegression, ResultsOfAConfigurationWithoutGestures) {
     int32_t types[] = {1};
-    GestureConfigParam param{};
-    param.PlayerNum = 1;
-    param.SkeletonNum = 1;
-    param.SkeletonTypeArray = types;
-    param.ReturnInfoType = PELMORA_RETURN_INFO_24;
+    GestureConfigParam param = PelmoraTest::Param(1, types, 1);
     PelmoraTest::Printed([&] {
         InitPelmora(&param);
         ASSERT_TRUE(LoadConfigData("<AppConfig/>"));

@@ -13,14 +13,10 @@
 #include "engine/Pelmora.h"
 #include "engine/PlayerManager.h"
 #include "gesture/GestureTable.h"
+#include "support/GestureTableAccess.h"
+#include "support/Param.h"
 #include "support/TestClock.h"
 #include "values/IdentifyValues.h"
-
-namespace PelmoraLib {
-struct GestureTableAccess {
-    static void Add(GestureTable& table, Gesture* gesture) { table.AddGesture(gesture); }
-};
-}  // namespace PelmoraLib
 
 namespace PelmoraTest {
 
@@ -38,10 +34,7 @@ struct SegmentRule {
 class PlayerFixture : public testing::Test {
 protected:
     void Start(int returnType, int frameNum = 2, int mulType = 0, int playerNum = 1) {
-        GestureConfigParam param{};
-        param.PlayerNum = playerNum;
-        param.SkeletonNum = 2;
-        param.SkeletonTypeArray = m_Types;
+        GestureConfigParam param = Param(playerNum, m_Types, 2);
         param.ReturnInfoType = returnType;
         param.VelocityFrameNum = frameNum;
         param.VelocityMulType = mulType;

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "pelmora.h"
+#include "support/Param.h"
 
 extern "C" size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
 
@@ -98,12 +99,8 @@ struct Checker {
 TEST(Soak, WorkerStaysConsistentUnderConcurrentHosts) {
     const char* configured = getenv("PELMORA_SOAK_SECONDS");
     const int seconds = configured ? atoi(configured) : 10;
-    GestureConfigParam param{};
+    GestureConfigParam param = PelmoraTest::Param(kPlayers, g_Types, 5);
     param.IsUseSubThread = 1;
-    param.ReturnInfoType = PELMORA_RETURN_INFO_24;
-    param.PlayerNum = kPlayers;
-    param.SkeletonNum = 5;
-    param.SkeletonTypeArray = g_Types;
     param.IsGetVelocityData = 1;
     testing::internal::CaptureStdout();
     InitPelmora(&param);
