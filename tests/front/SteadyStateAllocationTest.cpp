@@ -13,90 +13,13 @@
 
 #include "pelmora.h"
 #include "support/AllocationCounter.h"
+#include "support/Param.h"
 #include "support/Printed.h"
 #include "support/TestClock.h"
 
 using namespace PelmoraTest;
 
 namespace {
-
-// Derived values of every function shape (vector and component operands,
-// one and two operands, a block that runs only on full updates) and gestures
-// that advance, finish, finish early and reset within one motion cycle.
-const char* const kDocument = R"(<AppConfig>
-  <IdentfyValues>
-    <Value type="vector3" name="HandOffset"/>
-    <Value type="float" name="HandHeight">0</Value>
-    <Value type="float" name="HandDistance">0</Value>
-    <Value type="vector3" name="ShoulderLine"/>
-    <Value type="float" name="ShoulderWidth">0</Value>
-    <Value type="float" name="HandReach">0</Value>
-    <Value type="float" name="ArmAngle">0</Value>
-    <Value type="vector3" name="HandDirection"/>
-    <Value type="vector3" name="Normal"/>
-    <Value type="float" name="Facing">0</Value>
-    <Value type="float" name="FacingAbs">0</Value>
-    <Value type="int" name="Frames">0</Value>
-    <Value type="int" name="Base">3</Value>
-  </IdentfyValues>
-  <Processing update="1">
-    <Function name="SUB" return="@HandOffset" value1="@P_RightHand" value2="@P_Head"/>
-    <Function name="SUB" return="@HandHeight" value1="@P_RightHand.y" value2="@P_Head.y"/>
-    <Function name="DISTANCE" return="@HandDistance" value1="@P_RightHand" value2="@P_LeftHand"/>
-    <Function name="SUB" return="@ShoulderLine" value1="@P_RightShoulder" value2="@P_LeftShoulder"/>
-    <Function name="LENGTH" return="@ShoulderWidth" value1="@ShoulderLine"/>
-    <Function name="DIV" return="@HandReach" value1="@HandDistance" value2="@ShoulderWidth"/>
-    <Function name="ANGLE" return="@ArmAngle" value1="@HandOffset" value2="@ShoulderLine"/>
-    <Function name="NORMALIZE" return="@HandDirection" value1="@HandOffset"/>
-    <Function name="CROSS" return="@Normal" value1="@ShoulderLine" value2="@HandDirection"/>
-    <Function name="DOT" return="@Facing" value1="@Normal" value2="@HandOffset"/>
-    <Function name="ABS" return="@FacingAbs" value1="@Facing"/>
-    <Function name="ADD" return="@Frames" value1="@Frames" value2="1"/>
-  </Processing>
-  <Processing update="0">
-    <Function name="SET" return="@Base" value1="4"/>
-  </Processing>
-  <Gesture name="RaiseAndLower">
-    <Segment>
-      <Qualification QualificationEnum="Less" value1="@SegmentTime" value2="2000" IsResetOnFailed="1"/>
-      <Qualification QualificationEnum="Less" value1="@HandHeight" value2="-0.3"/>
-    </Segment>
-    <Segment>
-      <Qualification QualificationEnum="Greate" value1="@P_RightHand.y" value2="@P_Head.y"/>
-    </Segment>
-    <Segment>
-      <Qualification QualificationEnum="ELess" value1="@HandHeight" value2="-0.2"/>
-      <Qualification QualificationEnum="Less" value1="@GestureTime" value2="3000" IsResetOnFailed="1"/>
-    </Segment>
-  </Gesture>
-  <Gesture name="Clap">
-    <Segment>
-      <Qualification QualificationEnum="Greate" value1="@HandReach" value2="1.5"/>
-    </Segment>
-    <Segment>
-      <Qualification QualificationEnum="Less" value1="@HandDistance" value2="0.2"/>
-      <Qualification QualificationEnum="NoEqual" value1="@Frames" value2="@Base"/>
-    </Segment>
-  </Gesture>
-  <Gesture name="QuickReach">
-    <Segment>
-      <Qualification QualificationEnum="Greate" value1="@HandHeight" value2="0.0"/>
-      <Qualification QualificationEnum="EGreate" value1="@FacingAbs" value2="0" IsFinishOnSucceed="1"/>
-    </Segment>
-    <Segment>
-      <Qualification QualificationEnum="Equal" value1="@Base" value2="5"/>
-    </Segment>
-  </Gesture>
-  <Gesture name="TooSlow">
-    <Segment>
-      <Qualification QualificationEnum="Less" value1="@HandHeight" value2="-0.3"/>
-    </Segment>
-    <Segment>
-      <Qualification QualificationEnum="Less" value1="@SegmentTime" value2="100" IsResetOnFailed="1"/>
-      <Qualification QualificationEnum="Greate" value1="@P_RightHand.y" value2="@P_Head.y"/>
-    </Segment>
-  </Gesture>
-</AppConfig>)";
 
 const int kCycle = 30;
 const int kPlayers = 2;
@@ -132,10 +55,13 @@ protected:
     void Start(bool worker) {
         SetDebugInfo(false);
         Printed([&] {
-            GestureConfigParam param{worker ? 1 : 0, PELMORA_RETURN_INFO_24, kPlayers, kJoints, g_Joints, kVelocityFrames,
-                                     PELMORA_VELOCITY_HALVING, 1, 0};
+            GestureConfigParam param = Param(kPlayers, g_Joints, kJoints);
+            param.IsUseSubThread = worker;
+            param.VelocityFrameNum = kVelocityFrames;
+            param.VelocityMulType = PELMORA_VELOCITY_HALVING;
+            param.IsGetVelocityData = 1;
             InitPelmora(&param);
-            ASSERT_TRUE(LoadConfigData(kDocument));
+            ASSERT_TRUE(LoadConfigFile(PELMORA_TEST_DATA "/front/steady_state.xml"));
             ASSERT_TRUE(StartGestureWork());
         });
         m_Gestures = static_cast<uint32_t>(GetGestureNum(0));

@@ -7,7 +7,6 @@
 
 #include "PlayerFixture.h"
 #include "engine/DebugInfo.h"
-#include "support/AllocationCounter.h"
 #include "support/Printed.h"
 
 using namespace PelmoraLib;
@@ -161,34 +160,4 @@ TEST_F(PlayerGesture, UnsupportedReturnTypeWritesNothing) {
         EXPECT_EQ(Value("P_Head")[0], 1.0f);
         Stop();
     }
-}
-
-// Frames move through preallocated slots and histories only, on both the
-// immediate and the buffered path.
-TEST_F(PlayerGesture, SteadyStateAllocatesNothing) {
-    ASSERT_FALSE(IsDebugInfo());
-    Start(2, 4, 1);
-    AddGesture("Swipe", {{Qualification::Greate, "0.5"}, {Qualification::Less, "0.2", true}});
-    AddGesture("Hold", {{Qualification::Greate, "0.5", false, true}});
-    Track({0, 1});
-    Player& player = GetPlayer();
-    uint64_t records = 0;
-    PelmoraTest::AllocationCounter counter;
-    for (int frame = 0; frame < 60; ++frame) {
-        m_Clock.Advance(frame % 3 ? 16 : 7);
-        SetFrame(frame % 5 < 2 ? 1.0f : frame % 5 == 2 ? 0.0f : 0.3f);
-        if (frame % 2) {
-            player.UpdatePlayerInfo(m_Frame, 2);
-            player.ProcessPlayerInfo();
-        } else {
-            player.UpdatePlayerInfoImmediate(m_Frame, 2);
-        }
-        player.CheckHasNewData();
-        records += player.BeginReadGestureInfoBuffer().m_Count;
-        player.EndReadGestureInfoBuffer();
-        player.GetAfterCalLastPosVelocityInfo().BeginRead();
-        player.GetAfterCalLastPosVelocityInfo().EndRead();
-    }
-    EXPECT_EQ(counter.Count(), 0u);
-    EXPECT_EQ(records, 120u);
 }
