@@ -114,6 +114,7 @@ for n, joint in HEIGHTS:
     fn('DOT', '@'+n+'Rise', '@Drift', '@UpReference')
     fn('DIV', '@'+n+'Rise', '@'+n+'Rise', '@TorsoLength')
     fn('MUL', '@Drift', '@Drift', '0.03'); fn('ADD', '@'+n+'Anchor', '@'+n+'Anchor', '@Drift')
+val('float', 'HandsGap'); fn('DISTANCE', '@HandsGap', '@P_RightHand', '@P_LeftHand'); fn('DIV', '@HandsGap', '@HandsGap', '@ShoulderWidth')
 val('float', 'FeetRiseGap'); fn('SUB', '@FeetRiseGap', '@RightFootRise', '@LeftFootRise'); fn('ABS', '@FeetRiseGap', '@FeetRiseGap')
 baseline_funcs = list(funcs); funcs.clear()
 
@@ -135,10 +136,10 @@ G('RaiseBothArms', 'both arms swing up outstretched sideways until both hands ar
   [within(2000), q('RightHandOut', '>', '0.7'), q('LeftHandOut', '>', '0.7'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85')],
   [within(2000), q('RightHandAboveHead', '>', '0.1'), q('LeftHandAboveHead', '>', '0.1')] + grounded)
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
-    up = [q(s+'ForearmRise', '>', '0.3', True)]
-    G('Wave'+s+'Hand', 'the %s forearm, raised, swings out, in and out again; the hand must come down before the next wave counts' % s.lower(),
+    up = [q(s+'ForearmRise', '>', '0.2', True)]
+    G('Wave'+s+'Hand', 'the %s forearm, raised, swings out, in and out again while the %s hand stays low; the hand must come down before the next wave counts' % (s.lower(), o.lower()),
       [q(s+'ForearmRise', '<', '0.0')],
-      [within(3000), q(s+'ForearmRise', '>', '0.3'), q(s+'ForearmOut', '<', '-0.1')],
+      [within(3000), q(s+'ForearmRise', '>', '0.2'), q(s+'ForearmOut', '<', '-0.1'), q(o+'HandRise', '<', '-0.3')],
       [within(800)] + up + [q(s+'ForearmOut', '>', '0.1')],
       [within(800)] + up + [q(s+'ForearmOut', '<', '-0.1')],
       [within(800)] + up + [q(s+'ForearmOut', '>', '0.1')])
@@ -146,16 +147,16 @@ chest = lambda s: [q(s+'HandRise', '>', '-0.7'), q(s+'HandRise', '<', '0.25')]
 G('SwipeLeft', "the right hand sweeps across the body, at chest height, from the right of the neck to the person's left",
   [q('RightHandAcross', '>', '0.6'), q('RightHandReach', '>', '0.2')] + chest('Right'),
   [within(600), q('RightHandAcross', '<', '-0.3')] + chest('Right'))
-G('SwipeRight', "the left hand sweeps across the body, at chest height, from the left of the neck to the person's right",
-  [q('LeftHandAcross', '<', '-0.6'), q('LeftHandReach', '>', '0.2')] + chest('Left'),
-  [within(600), q('LeftHandAcross', '>', '0.3')] + chest('Left'))
+G('SwipeRight', "the right hand sweeps back across the body, at chest height, from the left of the neck to the person's right",
+  [q('RightHandAcross', '<', '-0.3'), q('RightHandReach', '>', '0.2')] + chest('Right'),
+  [within(600), q('RightHandAcross', '>', '0.6')] + chest('Right'))
 G('PushRight', "the right hand pushes out to the person's right at shoulder height, arm straight, the left hand staying in",
   [q('RightHandOut', '<', '0.4')],
-  [within(800), q('RightHandOut', '>', '0.8'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.35'), q('RightHandRise', '<', '0.35'), q('LeftHandOut', '<', '0.5')] + grounded)
+  [within(1200), q('RightHandOut', '>', '0.8'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.5'), q('RightHandRise', '<', '0.5'), q('LeftHandOut', '<', '0.5')] + grounded)
 for s in ('Right', 'Left'):
     G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard' % s.lower(),
       [q(s+'HandReach', '<', '0.7')],
-      [within(400), q(s+'HandReach', '>', '0.4'), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '1.5')],
+      [within(400), q(s+'HandReach', '>', '0.4'), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.5')],
       [within(400), q(s+'HandReach', '>', '0.75'), q(s+'ArmStraight', '>', '0.9')])
 for s, o, fwd in (('Right', 'Left', '0.6'), ('Left', 'Right', '0.9')):
     G('Front'+s+'Kick', 'the %s foot leaves the floor and snaps forward, below the knee, the other foot staying down' % s.lower(),
@@ -171,11 +172,11 @@ G('Jump', 'the waist and both feet rise together above their anchors, then the b
   [within(1000), q('WaistRise', '<', '0.1')])
 G('Duck', 'from standing, the knees bend until the hips drop well below their standing height',
   [q('LegStretch', '>', '0.9')],
-  [within(1500), q('LegStretch', '<', '0.75')] + grounded)
+  [within(2500), q('LegStretch', '<', '0.8')] + grounded)
 G('Bow', 'with straight legs the torso bends forward over the hips and comes back up',
   [q('TorsoThigh', '<', '-0.85')],
-  [within(2000), q('TorsoThigh', '>', '-0.6'), q('LegStretch', '>', '0.85')] + grounded,
-  [within(3000), q('TorsoThigh', '<', '-0.8')] + grounded)
+  [within(2000), q('TorsoThigh', '>', '-0.6'), q('LegStretch', '>', '0.9')] + grounded,
+  [within(3000), q('TorsoThigh', '<', '-0.95')] + grounded)
 tpose = [q('RightHandOut', '>', '0.8'), q('LeftHandOut', '>', '0.8'), q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.3'),
          q('LeftHandRise', '>', '-0.3'), q('LeftHandRise', '<', '0.3'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85')]
 G('TPose', 'both arms held straight out sideways at shoulder height for a second',
@@ -186,6 +187,19 @@ G('Stop', 'the right palm is pushed toward the sensor at shoulder height and hel
   [q('RightHandReach', '<', '0.5')],
   [within(1500), q('RightHandReach', '>', '0.75'), q('RightHandOut', '<', '0.35'), q('RightHandRise', '>', '-0.35'), q('RightHandRise', '<', '0.35'), q('RightForearmRise', '>', '0.0')],
   [q('RightHandReach', '>', '0.7', True), q('RightHandOut', '<', '0.35', True), q('RightHandRise', '>', '-0.35', True), q('RightHandRise', '<', '0.35', True), held(800)])
+
+G('CrossArms', 'the forearms cross in front of the chest, each hand past the middle of the body, and stay crossed',
+  [q('RightHandAcross', '>', '0.3'), q('LeftHandAcross', '<', '-0.3')],
+  [within(2000), q('RightHandAcross', '<', '-0.3'), q('LeftHandAcross', '>', '0.3')] + chest('Right') + chest('Left'),
+  R([q('RightHandAcross', '<', '-0.2'), q('LeftHandAcross', '>', '0.2')]) + [held(300)])
+G('Clap', 'both hands, apart in front of the chest, come together and part again',
+  [q('HandsGap', '>', '1.3')] + chest('Right') + chest('Left'),
+  [within(800), q('HandsGap', '<', '0.35'), q('RightHandReach', '>', '0.3'), q('LeftHandReach', '>', '0.3')] + chest('Right') + chest('Left'),
+  [within(600), q('HandsGap', '>', '0.6')])
+G('PushBothHands', 'both hands push forward together from the chest until both arms are straight at chest height',
+  [q('RightHandReach', '<', '0.4'), q('LeftHandReach', '<', '0.4')],
+  [within(1000), q('RightHandReach', '>', '0.85'), q('LeftHandReach', '>', '0.85'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85'),
+   q('HandsGap', '>', '0.7'), q('HandsGap', '<', '1.6')] + chest('Right') + chest('Left'))
 
 def attr(v): return v.replace('&', '&amp;').replace('<', '&lt;').replace('"', '&quot;')
 out = []
