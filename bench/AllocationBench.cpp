@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "bench/Benchmarks.h"
-#include "support/AllocationCounter.h"
+#include "bench/AllocationCounter.h"
 #include "bench/Session.h"
 #include "bench/Workload.h"
 
@@ -59,7 +59,7 @@ void Allocations(benchmark::State& state, bool worker) {
 
     uint64_t allocated = 0, frames = 0;
     for (auto _ : state) {
-        PelmoraTest::AllocationCounter window;
+        AllocationCounter window;
         feed(std::chrono::seconds(1));
         allocated += window.Count();
         ++frames;

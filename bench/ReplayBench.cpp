@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "bench/Benchmarks.h"
-#include "support/AllocationCounter.h"
+#include "bench/AllocationCounter.h"
 #include "bench/Workload.h"
 #include "pelmora.h"
 
@@ -126,7 +126,7 @@ void ReplayDirect(benchmark::State& state) {
         base += frames.times.back() + kFrameMs;
     };
     pass();
-    PelmoraTest::AllocationCounter allocations;
+    AllocationCounter allocations;
     for (auto _ : state) pass();
     const uint64_t allocated = allocations.Count();
     ClosePelmora();

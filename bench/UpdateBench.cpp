@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "bench/Benchmarks.h"
-#include "support/AllocationCounter.h"
+#include "bench/AllocationCounter.h"
 #include "bench/Session.h"
 #include "bench/Workload.h"
 
@@ -111,7 +111,7 @@ void UpdateLibrary(benchmark::State& state, int players, int gestures) {
 
     std::vector<PelmoraResult24> results(static_cast<size_t>(gestures) + 1);
     uint32_t count = 0;
-    PelmoraTest::AllocationCounter allocations;
+    AllocationCounter allocations;
     for (auto _ : state) {
         clock.Advance(kFrameMs);
         for (int p = 0; p < players; ++p) {

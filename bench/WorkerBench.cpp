@@ -23,7 +23,7 @@
 #include <vector>
 
 #include "bench/Benchmarks.h"
-#include "support/AllocationCounter.h"
+#include "bench/AllocationCounter.h"
 #include "bench/Session.h"
 #include "bench/Workload.h"
 
@@ -206,7 +206,7 @@ void WorkerWake(benchmark::State& state, int players, int gestures) {
         std::this_thread::sleep_for(kPacing);
         double elapsed;
         {
-            PelmoraTest::AllocationCounter allocations;
+            AllocationCounter allocations;
             elapsed = LibraryRoundTrip(players, motions, frame++, clock, results, ok);
             allocated += allocations.Count();
         }

@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
+#include "bench/AllocationCounter.h"
 #include "pelmora.h"
-#include "support/AllocationCounter.h"
 #include "support/Param.h"
 #include "support/Printed.h"
 #include "support/TestClock.h"
@@ -85,7 +85,7 @@ protected:
         for (int f = 0; f < 2 * kCycle; ++f) ASSERT_TRUE(frame());
         ResetTally();
         {
-            AllocationCounter counter;
+            PelmoraBench::AllocationCounter counter;
             for (int f = 0; f < 3 * kCycle; ++f) ASSERT_TRUE(frame());
             EXPECT_EQ(counter.Count(), 0u);
         }

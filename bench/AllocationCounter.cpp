@@ -1,4 +1,4 @@
-#include "support/AllocationCounter.h"
+#include "bench/AllocationCounter.h"
 
 #include <atomic>
 #include <cerrno>
@@ -79,7 +79,7 @@ int posix_memalign(void** out, size_t alignment, size_t size) {
 }
 #endif
 
-namespace PelmoraTest {
+namespace PelmoraBench {
 
 AllocationCounter::AllocationCounter() : m_Start(g_Allocations.load()) { g_Counting.store(true); }
 
@@ -87,4 +87,4 @@ AllocationCounter::~AllocationCounter() { g_Counting.store(false); }
 
 uint64_t AllocationCounter::Count() const { return g_Allocations.load() - m_Start; }
 
-}  // namespace PelmoraTest
+}  // namespace PelmoraBench

@@ -1,6 +1,7 @@
 // AllocationCounter - counts heap allocations made on any thread while a scope
 // is open, at the malloc level (operator new, aligned allocations and the
-// shared library's own calls included); shared by the tests and bench/.
+// shared library's own calls included); the benchmarks' and the
+// steady-state test's one counter.
 // Under a sanitizer it uses the sanitizer's allocation hooks; otherwise it
 // replaces the C library's allocators, forwarding to glibc's own entry points.
 // Thread-safety: counters are atomic; open scopes from one thread at a time.
@@ -8,7 +9,7 @@
 
 #include <cstdint>
 
-namespace PelmoraTest {
+namespace PelmoraBench {
 
 class AllocationCounter {
 public:
@@ -23,4 +24,4 @@ private:
     uint64_t m_Start;
 };
 
-}  // namespace PelmoraTest
+}  // namespace PelmoraBench
