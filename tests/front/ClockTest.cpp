@@ -4,7 +4,6 @@
 
 #include "engine/Clock.h"
 #include "pelmora.h"
-#include "support/TestClock.h"
 
 namespace {
 
@@ -31,8 +30,6 @@ TEST(Clock, TimeSource) {
     EXPECT_EQ(recorded.seen, &recorded);
     recorded.now = 5;
     EXPECT_EQ(PelmoraLib::Clock::NowMs(), 5u);
-    // Wrapped differences stay right in unsigned arithmetic.
-    EXPECT_EQ(5u - 0xFFFFFFFFu, 6u);
 
     // Null restores the steady clock: running, never going back, never 0.
     SetTimeSource(nullptr, &recorded);
@@ -41,12 +38,4 @@ TEST(Clock, TimeSource) {
     EXPECT_GT(first, 0u);
     EXPECT_GE(second, first);
     EXPECT_EQ(recorded.calls, 2);
-
-    {
-        PelmoraTest::TestClock clock(100);
-        EXPECT_EQ(PelmoraLib::Clock::NowMs(), 100u);
-        clock.Advance(33);
-        EXPECT_EQ(PelmoraLib::Clock::NowMs(), 133u);
-    }
-    EXPECT_GE(PelmoraLib::Clock::NowMs(), second);
 }

@@ -83,17 +83,13 @@ TEST(IdentifyValues, References) {
     IdentifyValues values;
     BaseValue* const leftHand = values.GetValue("P_LeftHand");
     BaseValue::SubType sub = BaseValue::SubZ;
-
-    EXPECT_EQ(values.GetValueFromString("@P_LeftHand", sub, true), leftHand);
-    EXPECT_EQ(sub, BaseValue::SubWhole);
-    EXPECT_EQ(values.GetValueFromString("@P_LeftHand.Y", sub, true), leftHand);
-    EXPECT_EQ(sub, BaseValue::SubY);
-    EXPECT_EQ(values.GetValueFromString("@P_LeftHand.x", sub, false), leftHand);
-    EXPECT_EQ(sub, BaseValue::SubX);
-    EXPECT_EQ(values.GetValueFromString("@P_LeftHand.Z", sub, true), leftHand);
-    EXPECT_EQ(sub, BaseValue::SubZ);
-    EXPECT_EQ(values.GetValueFromString("@GestureTime.W", sub, true), values.GetValue("GestureTime"));
-    EXPECT_EQ(sub, BaseValue::SubW);
+    const struct { const char* text; BaseValue::SubType sub; } selectors[] = {
+        {"@P_LeftHand", BaseValue::SubWhole}, {"@P_LeftHand.Y", BaseValue::SubY}, {"@P_LeftHand.x", BaseValue::SubX},
+        {"@P_LeftHand.Z", BaseValue::SubZ},   {"@P_LeftHand.w", BaseValue::SubW}};
+    for (const auto& row : selectors) {
+        EXPECT_EQ(values.GetValueFromString(row.text, sub, true), leftHand) << row.text;
+        EXPECT_EQ(sub, row.sub) << row.text;
+    }
 
     // Anything that is not a single component letter selects the whole value, silently.
     BaseValue* got = nullptr;
