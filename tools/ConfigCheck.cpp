@@ -65,7 +65,8 @@ std::string Counted(size_t count, const char* noun) {
 int ConfigCheck::Run(const std::string& path, std::ostream& out) {
     const LibraryRun run = RunLibrary(path);
     if (!run.loaded) {
-        Print(out, path, LoadProblem(run.loadError));
+        const std::optional<ConfigNote> unreadable = ConfigDocument::ByteProblem(path);
+        Print(out, path, unreadable ? Problem{unreadable->place, unreadable->text} : LoadProblem(run.loadError));
         out << path << ": does not load\n";
         return 1;
     }

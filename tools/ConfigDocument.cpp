@@ -4,8 +4,11 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <set>
+#include <sstream>
 #include <stdexcept>
 
 #include "values/IdentifyValues.h"
@@ -65,6 +68,54 @@ private:
     std::set<std::string> m_Declared;
 };
 
+std::optional<std::string> ReadBytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return std::nullopt;
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
+XmlPlace PlaceAt(const std::string& text, size_t offset) {
+    XmlPlace place{1, 1};
+    for (size_t i = 0; i < offset && i < text.size(); ++i) {
+        place.row += text[i] == '\n' ? 1 : 0;
+        place.column = text[i] == '\n' ? 1 : place.column + 1;
+    }
+    return place;
+}
+
+std::optional<ConfigNote> EncodingProblem(const std::string& text) {
+    const size_t first = text.find_first_not_of(" \t\r\n");
+    if (first == std::string::npos) return ConfigNote{{1, 1}, "the file is empty"};
+    const bool zeroEven = text.size() >= 4 && text[0] == '\0' && text[2] == '\0' && text[1] && text[3];
+    const bool zeroOdd = text.size() >= 4 && text[1] == '\0' && text[3] == '\0' && text[0] && text[2];
+    if (text.rfind("\xff\xfe", 0) == 0 || text.rfind("\xfe\xff", 0) == 0 || zeroEven || zeroOdd)
+        return ConfigNote{{1, 1}, "the file is UTF-16 text; save it as UTF-8"};
+    if (text.rfind("\xef\xbb\xbf<", 0) == 0 || text[first] == '<' || text[first] == '\0') return std::nullopt;
+    char byte[8];
+    snprintf(byte, sizeof byte, "0x%02x", static_cast<unsigned char>(text[first]));
+    return ConfigNote{PlaceAt(text, first), std::string("not an XML document: it begins with byte ") + byte};
+}
+
+// Where the parser stops reading without an error: it reads the file as a C
+// string, and an unclosed comment or a DOCTYPE's internal subset swallows
+// the rest of the file.
+std::optional<ConfigNote> SwallowedText(const std::string& text) {
+    const size_t nul = text.find('\0');
+    if (nul != std::string::npos) return ConfigNote{PlaceAt(text, nul), "a NUL byte: the library reads nothing after it"};
+    for (size_t open = text.find("<!--"); open != std::string::npos;) {
+        const size_t close = text.find("-->", open + 4);
+        if (close == std::string::npos)
+            return ConfigNote{PlaceAt(text, open), "this comment is never closed: the library reads the rest of the file as a comment"};
+        open = text.find("<!--", close + 3);
+    }
+    const size_t doctype = text.find("<!DOCTYPE");
+    if (doctype != std::string::npos && text.find('[', doctype) < text.find('>', doctype))
+        return ConfigNote{PlaceAt(text, doctype), "a DOCTYPE with an internal subset: the library reads nothing after it"};
+    return std::nullopt;
+}
+
 // A gesture is dropped whole when one of its qualifications has no kind.
 void ReadGesture(const TiXmlElement& element, ConfigDocument& document) {
     GestureEntry gesture{PlaceOf(element), Text(element, "name"), {}};
@@ -84,6 +135,10 @@ void ReadGesture(const TiXmlElement& element, ConfigDocument& document) {
         }
         gesture.segments.push_back(entry);
     }
+    if (gesture.segments.empty())
+        document.ignored.push_back({gesture.place, "Gesture \"" + gesture.name +
+                                                       "\" has no Segment: the library reports \"SegmentIndex Out of "
+                                                       "range!!\" for it on every frame"});
     document.gestures.push_back(gesture);
 }
 
@@ -117,6 +172,7 @@ ConfigDocument ConfigDocument::Load(const std::string& path) {
                                  ": " + xml.ErrorDesc());
     }
     ConfigDocument document;
+    if (const std::optional<ConfigNote> problem = ByteProblem(path)) document.ignored.push_back(*problem);
     ValueDeclarations values(document);
     // "AppConfig" and every top-level element after it are sections alike.
     for (const TiXmlElement* section = xml.FirstChildElement("AppConfig"); section;
@@ -129,6 +185,13 @@ ConfigDocument ConfigDocument::Load(const std::string& path) {
         }
     }
     return document;
+}
+
+std::optional<ConfigNote> ConfigDocument::ByteProblem(const std::string& path) {
+    const std::optional<std::string> text = ReadBytes(path);
+    if (!text) return std::nullopt;
+    if (std::optional<ConfigNote> problem = EncodingProblem(*text)) return problem;
+    return SwallowedText(*text);
 }
 
 }  // namespace PelmoraTool

@@ -1,10 +1,11 @@
 // ConfigDocument - the configuration file as the library reads it, with the
 // XML row and column of every element: which gestures and processings the
 // library keeps (in its own index order), which value declarations it turns
-// down, and what it drops without a message. `pelmora check` places the
+// down, and what it drops or gets wrong without a message. `pelmora check` places the
 // library's compile messages with it; the report quotes qualifications.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,12 +51,16 @@ class ConfigDocument {
 public:
     // Throws std::runtime_error with the parser's description and place.
     static ConfigDocument Load(const std::string& path);
+    // What in the file's bytes keeps the library from reading it whole
+    // (empty, UTF-16, binary, a NUL byte, an unclosed comment, a DOCTYPE
+    // subset) without its own words saying so; none when it cannot be read.
+    static std::optional<ConfigNote> ByteProblem(const std::string& path);
 
     std::vector<GestureEntry> gestures;
     std::vector<ProcessingEntry> processings;
     std::vector<XmlPlace> refusedValueTypes;  // the library's "type is undefine" lines, in order
     std::vector<XmlPlace> quaternions;        // its "Quaternion is not supported" lines, in order
-    std::vector<ConfigNote> ignored;          // dropped without a message
+    std::vector<ConfigNote> ignored;          // dropped or broken without a message
 };
 
 }  // namespace PelmoraTool

@@ -5,6 +5,7 @@
 
 #include "pelmora.h"
 #include "tools/CompileLog.h"
+#include "tools/ConfigDocument.h"
 #include "tools/StdoutCapture.h"
 
 namespace PelmoraTool {
@@ -36,7 +37,8 @@ bool LibrarySession::Compile() { return StartGestureWork(); }
 void LibrarySession::LoadAndCompile(const std::string& configPath) {
     StdoutCapture capture;
     if (!Load(configPath)) {
-        const std::string error = GetLastConfigError();
+        const std::optional<ConfigNote> problem = ConfigDocument::ByteProblem(configPath);
+        const std::string error = problem ? problem->text : GetLastConfigError();
         ShowLines(capture.Lines());
         throw std::runtime_error(configPath + " does not load: " + error + " (pelmora check " + configPath +
                                  " tells more)");

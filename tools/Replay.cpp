@@ -93,6 +93,12 @@ void Replay::ChooseGestures() {
     } else {
         for (const std::string& name : m_Options.gestures) m_Enabled.push_back(GestureNamed(name));
     }
+    // The library would report "SegmentIndex Out of range!!" on every frame.
+    PelmoraLib::GestureTable* table = PelmoraLib::Pelmora::Get()->GetGestureTable(0);
+    for (uint32_t g : m_Enabled) {
+        if (table->GetGesture(static_cast<size_t>(g))->GetSegmentSize() == 0)
+            throw std::runtime_error("gesture \"" + m_GestureNames[g] + "\" has no segments");
+    }
     for (size_t lane = 0; lane < m_Enabled.size(); ++lane) m_LaneOf[m_Enabled[lane]] = static_cast<int>(lane);
 }
 
