@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <new>
 #include <string>
@@ -15,6 +16,7 @@
 
 #include "config/FunctionConfig.h"
 #include "config/GestureConfigManager.h"
+#include "config/QualificationConfig.h"
 #include "config/XmlText.h"
 #include "engine/Pelmora.h"
 #include "gesture/GestureTable.h"
@@ -257,6 +259,39 @@ TEST_F(ConfigTest, FunctionFaultsAreFoundWhenCompiling) {
     FunctionConfig function{"lEnGtH", "@A", {"@V"}};
     EXPECT_NE(std::unique_ptr<BaseFunction>(function.Compiler(0)), nullptr);
     EXPECT_EQ(function.m_Keyword, "LENGTH");
+}
+
+// Loading and compiling without a singleton, or for a player without values,
+// print the located line of their own site and give nothing.
+TEST_F(ConfigTest, MissingPiecesAreLocatedAtEachSite) {
+    FunctionConfig function{"SET", "@A", {"1"}};
+    QualificationConfig qualification;
+    GestureConfigManager* manager = GestureConfigManager::Create();
+    const auto missing = [](const std::string& singleton, const std::string& site, int line) {
+        return singleton + "::Instance do not been created before calling get function.\nPelmoraLib::" + site +
+               " line: " + std::to_string(line) + " Error: " + singleton + "::Instance is NULL\n";
+    };
+    const std::string noPool = "PlayerIndex:1 is out of range in GetIdentifyValue\nPelmoraLib::";
+    const std::vector<std::pair<std::function<void()>, std::string>> rows = {
+        {[&] { EXPECT_FALSE(manager->LoadFromMemory("<AppConfig/>")); },
+         missing("Pelmora", "GestureConfigManager::LoadFromDoc", 79)},
+        {[&] { EXPECT_FALSE(manager->Compiler()); }, missing("Pelmora", "GestureConfigManager::Compiler", 57)},
+        {[&] { EXPECT_EQ(function.Compiler(0), nullptr); }, missing("Pelmora", "FunctionConfig::Compiler", 62)},
+        {[&] { EXPECT_EQ(qualification.Compiler(0), nullptr); },
+         missing("Pelmora", "QualificationConfig::Compiler", 66)},
+        {[] { Pelmora::Create(); }, ""},
+        {[&] { EXPECT_FALSE(manager->LoadFromMemory("<AppConfig/>")); },
+         missing("PlayerManager", "GestureConfigManager::LoadFromDoc", 81)},
+        {[&] { EXPECT_FALSE(manager->Compiler()); }, missing("PlayerManager", "GestureConfigManager::Compiler", 58)},
+        {[&] { EXPECT_EQ(function.Compiler(1), nullptr); },
+         noPool + "FunctionConfig::Compiler line: 64 Error: IdentifyValues is NULL\n"},
+        {[&] { EXPECT_EQ(qualification.Compiler(1), nullptr); },
+         noPool + "QualificationConfig::Compiler line: 68 Error: IdentifyValues is NULL\n"},
+    };
+    for (size_t row = 0; row < rows.size(); ++row) {
+        SCOPED_TRACE("row " + std::to_string(row));
+        EXPECT_EQ(Printed(rows[row].first), rows[row].second);
+    }
 }
 
 TEST_F(ConfigTest, FailingProcessingIsLeftOutWhileTheOthersGoIn) {
