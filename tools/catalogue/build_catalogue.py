@@ -71,6 +71,7 @@ def sidefeat(s, sign):
     proj(s+'ForearmOut', fa, 'RightDir', seg, True)
     hh = s+'HandFromHead'; val('vector3', hh); fn('SUB', '@'+hh, '@P_'+s+'Hand', '@P_Head')
     proj(s+'HandAboveHead', hh, 'UpDir', 'TorsoLength')
+    nh = s+'HandNearHead'; val('float', nh); fn('DISTANCE', '@'+nh, '@P_'+s+'Hand', '@P_Head'); fn('DIV', '@'+nh, '@'+nh, '@ShoulderWidth')
     hn = s+'HandFromNeck'; val('vector3', hn); fn('SUB', '@'+hn, '@P_'+s+'Hand', '@P_Neck')
     proj(s+'HandAcross', hn, 'RightDir', 'ShoulderWidth')
     # legs
@@ -200,6 +201,16 @@ G('PushBothHands', 'both hands push forward together from the chest until both a
   [q('RightHandReach', '<', '0.4'), q('LeftHandReach', '<', '0.4')],
   [within(1000), q('RightHandReach', '>', '0.85'), q('LeftHandReach', '>', '0.85'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85'),
    q('HandsGap', '>', '0.7'), q('HandsGap', '<', '1.6')] + chest('Right') + chest('Left'))
+G('Shoot', 'both hands, together, are raised from low and pointed straight forward at chest height',
+  [q('RightHandReach', '<', '0.4'), q('LeftHandReach', '<', '0.4')],
+  [within(1500), q('RightHandReach', '>', '0.9'), q('LeftHandReach', '>', '0.9'), q('HandsGap', '<', '0.4')] + chest('Right') + chest('Left'))
+G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles',
+  [q('RightHandRise', '<', '-0.5'), q('LeftHandRise', '<', '-0.5')],
+  [within(2500), q('RightHandNearHead', '<', '0.8'), q('LeftHandNearHead', '<', '0.8'), q('RightHandAboveHead', '<', '0.0'), q('LeftHandAboveHead', '<', '0.0'),
+   q('RightHandReach', '>', '-0.2'), q('LeftHandReach', '>', '-0.2')])
+G('Throw', 'the right hand, cocked back beside the head, is thrown fast forward',
+  [q('RightHandReach', '<', '0.1'), q('RightHandRise', '>', '0.0')],
+  [within(800), q('RightHandReach', '>', '0.7'), q('RightHandPush', '>', '2.0')])
 
 def attr(v): return v.replace('&', '&amp;').replace('<', '&lt;').replace('"', '&quot;')
 out = []
