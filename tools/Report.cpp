@@ -189,8 +189,8 @@ void WriteTimeline(std::ostream& out, const PlayerTimeline& player, size_t index
     const double content = ContentHeight(player);
     const double height = content + kAxisHeight;
     out << "<svg class=\"timeline\" xmlns=\"http://www.w3.org/2000/svg\" width=\"" << Px(kWidth) << "\" height=\""
-        << Px(height) << "\" viewBox=\"0 0 " << Px(kWidth) << ' ' << Px(height) << "\" data-start=\"" << player.startMs
-        << "\" data-end=\"" << player.startMs + scale.spanMs << "\" data-left=\"" << kLeft << "\" data-right=\""
+        << Px(height) << "\" viewBox=\"0 0 " << Px(kWidth) << ' ' << Px(height) << "\" data-start=\"" << Numbers::Format(player.startMs)
+        << "\" data-end=\"" << Numbers::Format(player.startMs + scale.spanMs) << "\" data-left=\"" << kLeft << "\" data-right=\""
         << kWidth - kRight << "\">\n";
     WriteLabels(out, player, scale, content);
     double top = kTop;
