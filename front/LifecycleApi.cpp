@@ -4,6 +4,7 @@
 // accessor's line and a located line, and the neutral result is returned.
 // Thread-safety: lifecycle and configuration calls belong to one host thread
 // while no pass runs; the look-ups only read compiled tables.
+#include <algorithm>
 #include <cctype>
 #include <cstdint>
 #include <cstdio>
@@ -29,8 +30,9 @@ GestureTable* TableOrReport(Pelmora& engine, int32_t player, const char* site, i
     return table;
 }
 
-// Sizes past the documented limits would be allocated per player and per
-// frame of history: the record is refused whole, before anything is built.
+// Sizes past the documented limits would be allocated per player, per joint
+// and per frame of history: the record is refused whole, before anything is
+// built.
 bool WithinLimits(const GestureConfigParam& param) {
     const struct {
         const char* field;
@@ -44,7 +46,13 @@ bool WithinLimits(const GestureConfigParam& param) {
         printf("InitPelmora Error: %s %d is above the limit of %d\n", size.field, size.value, size.limit);
         return false;
     }
-    return true;
+    // Each within its limit, the three together can still ask for gigabytes.
+    const int64_t points = int64_t{std::max(param.PlayerNum, 0)} * std::max(param.VelocityFrameNum, 2) *
+                           std::max(param.SkeletonNum, 0);
+    if (points <= PELMORA_MAX_HISTORY_POINTS) return true;
+    printf("InitPelmora Error: PlayerNum x VelocityFrameNum x SkeletonNum %lld is above the limit of %d\n",
+           static_cast<long long>(points), PELMORA_MAX_HISTORY_POINTS);
+    return false;
 }
 
 }  // namespace

@@ -70,8 +70,9 @@
  *  8. Limits. Sizes the host chooses are bounded so that a wrong one is
  *     refused rather than allocated: PlayerNum, SkeletonNum and
  *     VelocityFrameNum above PELMORA_MAX_PLAYERS, PELMORA_MAX_JOINTS and
- *     PELMORA_MAX_VELOCITY_FRAMES make InitPelmora print one line naming the
- *     field and change nothing; a configuration document with an attribute
+ *     PELMORA_MAX_VELOCITY_FRAMES, or a product of the three above
+ *     PELMORA_MAX_HISTORY_POINTS, make InitPelmora print one line naming
+ *     the field and change nothing; a configuration document with an attribute
  *     value (a name, a value reference, a keyword) longer than
  *     PELMORA_MAX_NAME_LENGTH bytes does not load. Values below the lower
  *     ends keep their meaning (no players, no joints, two frames).
@@ -91,6 +92,9 @@ PELMORA_C_BEGIN
 #define PELMORA_MAX_JOINTS 256
 #define PELMORA_MAX_VELOCITY_FRAMES 4096
 #define PELMORA_MAX_NAME_LENGTH 1024
+/* PlayerNum x VelocityFrameNum x SkeletonNum: the points of history kept,
+ * 24 bytes each (positions and velocities). */
+#define PELMORA_MAX_HISTORY_POINTS 16777216
 
 /* No such gesture: the neutral gesture index. */
 #define PELMORA_NO_GESTURE 0xFFFFFFFFu

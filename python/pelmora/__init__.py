@@ -7,8 +7,8 @@ joint frames when numpy is installed).
     replay      a recording through a configuration, as `pelmora replay`
 """
 
-from ._native import (EXPORTS, JOINT_NAMES, JOINTS, MAX_JOINTS, MAX_NAME_LENGTH, MAX_PLAYERS, MAX_VELOCITY_FRAMES,
-                      NO_GESTURE, PelmoraError, RESULT_RECORDS, RETURN_INFO_8, RETURN_INFO_16,
+from ._native import (EXPORTS, JOINT_NAMES, JOINTS, MAX_HISTORY_POINTS, MAX_JOINTS, MAX_NAME_LENGTH, MAX_PLAYERS,
+                      MAX_VELOCITY_FRAMES, NO_GESTURE, PelmoraError, RESULT_RECORDS, RETURN_INFO_8, RETURN_INFO_16,
                       RETURN_INFO_24, TIME_SOURCE, VELOCITY_EQUAL, VELOCITY_HALVING, GestureConfigParam, Library,
                       PelmoraResult8, PelmoraResult16, PelmoraResult24, Point3, point_array)
 from .output import capture_library_output, flush_library_output, library_output_to
@@ -17,8 +17,8 @@ from .replay import Finish, replay, ticks
 from .session import ManualClock, Result, Session
 
 __all__ = [
-    "EXPORTS", "JOINT_NAMES", "JOINTS", "MAX_JOINTS", "MAX_NAME_LENGTH", "MAX_PLAYERS", "MAX_VELOCITY_FRAMES",
-    "NO_GESTURE", "RESULT_RECORDS", "RETURN_INFO_8", "RETURN_INFO_16",
+    "EXPORTS", "JOINT_NAMES", "JOINTS", "MAX_HISTORY_POINTS", "MAX_JOINTS", "MAX_NAME_LENGTH", "MAX_PLAYERS",
+    "MAX_VELOCITY_FRAMES", "NO_GESTURE", "RESULT_RECORDS", "RETURN_INFO_8", "RETURN_INFO_16",
     "RETURN_INFO_24", "TIME_SOURCE", "VELOCITY_EQUAL", "VELOCITY_HALVING", "GestureConfigParam", "Library",
     "PelmoraResult8", "PelmoraResult16", "PelmoraResult24", "Point3", "point_array",
     "capture_library_output", "flush_library_output", "library_output_to",

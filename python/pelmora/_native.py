@@ -33,6 +33,7 @@ MAX_PLAYERS = 1024
 MAX_JOINTS = 256
 MAX_VELOCITY_FRAMES = 4096
 MAX_NAME_LENGTH = 1024
+MAX_HISTORY_POINTS = 16777216
 
 RETURN_INFO_8 = 0
 RETURN_INFO_16 = 1
@@ -222,6 +223,10 @@ def _check_param(param):
                          ("VelocityFrameNum", MAX_VELOCITY_FRAMES)):
         if getattr(param, field) > limit:
             raise PelmoraError("%s %d is above the library's limit of %d" % (field, getattr(param, field), limit))
+    points = max(param.PlayerNum, 0) * max(param.VelocityFrameNum, 2) * max(param.SkeletonNum, 0)
+    if points > MAX_HISTORY_POINTS:
+        raise PelmoraError("PlayerNum x VelocityFrameNum x SkeletonNum %d is above the library's limit of %d"
+                           % (points, MAX_HISTORY_POINTS))
     if param.SkeletonNum > 0 and param.SkeletonTypeArray:
         length = _type_array_length(param)
         if length < param.SkeletonNum:

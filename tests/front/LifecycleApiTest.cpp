@@ -230,6 +230,9 @@ TEST_F(ApiTest, StartUpSizesPastTheLimits) {
         EXPECT_EQ(Printed([&] { InitPelmora(&param), SetPlayerImmediate(param.PlayerNum - 1, true); }), "");
         Printed(ClosePelmora);
     }
+    GestureConfigParam param{0, PELMORA_RETURN_INFO_16, 1024, 5, types.data(), 4096, PELMORA_VELOCITY_EQUAL, 0, 0};
+    EXPECT_EQ(Printed([&] { InitPelmora(&param); }),
+              "InitPelmora Error: PlayerNum x VelocityFrameNum x SkeletonNum 20971520 is above the limit of 16777216\n");
 }
 
 // Disabling through the queue clears the progress, disabling at once keeps
