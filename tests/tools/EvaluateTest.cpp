@@ -92,23 +92,19 @@ std::string ErrorOf(const std::function<void()>& action) {
 
 TEST(EvaluateTest, BadInputGivesOneLineNamingTheFileAndLine) {
     const std::vector<std::string> gestures = {"Wave", "Kick"};
-    const std::vector<std::pair<std::string, std::string>> maps = {
-        {"# labels\nwave Wave\nkick Kick|Punch\n", "line 3: unknown gesture \"Punch\""},
-        {"wave Wave extra\n", "line 1: expected LABEL TARGET (a gesture, A|B, none or -)"},
-        {"wave Wave\nwave -\n", "line 2: label \"wave\" is mapped twice"},
+    const bool map = true, manifest = false;
+    const std::vector<std::tuple<bool, std::string, std::string>> cases = {
+        {map, "# labels\nwave Wave\nkick Kick|Punch\n", "line 3: unknown gesture \"Punch\""},
+        {map, "wave Wave extra\n", "line 1: expected LABEL TARGET (a gesture, A|B, none or -)"},
+        {map, "wave Wave\nwave -\n", "line 2: label \"wave\" is mapped twice"},
+        {manifest, "file\tlabel\n", "line 1: the header must name file, subject and label"},
+        {manifest, "file\tsubject\tlabel\na.csv\ts1\n", "line 2: expected 3 fields, found 2"},
+        {manifest, "subject\tfile\tlabel\n\ns1\ta.csv\t\r\ns2\ta.csv\tkick\n", "line 4: file \"a.csv\" is listed twice"},
     };
-    for (const auto& [text, error] : maps) {
-        const std::string path = Written("bad.map", text);
-        EXPECT_EQ(ErrorOf([&] { LabelMap::ReadFile(path, gestures); }), path + ": " + error);
-    }
-    const std::vector<std::pair<std::string, std::string>> manifests = {
-        {"file\tlabel\n", "line 1: the header must name file, subject and label"},
-        {"file\tsubject\tlabel\na.csv\ts1\n", "line 2: expected 3 fields, found 2"},
-        {"subject\tfile\tlabel\n\ns1\ta.csv\t\r\ns2\ta.csv\tkick\n", "line 4: file \"a.csv\" is listed twice"},
-    };
-    for (const auto& [text, error] : manifests) {
-        const std::string path = Written("bad.tsv", text);
-        EXPECT_EQ(ErrorOf([&] { Manifest::ReadFile(path, true); }), path + ": " + error);
+    for (const auto& [isMap, text, error] : cases) {
+        const std::string path = Written(isMap ? "bad.map" : "bad.tsv", text);
+        EXPECT_EQ(ErrorOf([&, isMap = isMap] { isMap ? (void)LabelMap::ReadFile(path, gestures) : (void)Manifest::ReadFile(path, true); }),
+                  path + ": " + error);
     }
     for (const char* window : {"-5", "1:x", "nan", ""})
         EXPECT_EQ(ErrorOf([&] { Evaluate::ParseWindow(window); }),
