@@ -211,6 +211,9 @@ G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles'
 G('Throw', 'the right hand, cocked back beside the head, is thrown fast forward',
   [q('RightHandReach', '<', '0.1'), q('RightHandRise', '>', '0.0')],
   [within(800), q('RightHandReach', '>', '0.7'), q('RightHandPush', '>', '2.0')])
+G('HadEnough', 'both hands come up from low to the top of the head, as if in despair',
+  [q('RightHandRise', '<', '-0.5'), q('LeftHandRise', '<', '-0.5')],
+  [within(3500), q('RightHandNearHead', '<', '0.5'), q('LeftHandNearHead', '<', '0.5'), q('RightHandAboveHead', '>', '0.0'), q('LeftHandAboveHead', '>', '0.0')])
 
 def attr(v): return v.replace('&', '&amp;').replace('<', '&lt;').replace('"', '&quot;')
 out = []
