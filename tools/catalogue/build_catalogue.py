@@ -116,6 +116,7 @@ for n, joint in HEIGHTS:
     fn('DIV', '@'+n+'Rise', '@'+n+'Rise', '@TorsoLength')
     fn('MUL', '@Drift', '@Drift', '0.03'); fn('ADD', '@'+n+'Anchor', '@'+n+'Anchor', '@Drift')
 val('float', 'HandsGap'); fn('DISTANCE', '@HandsGap', '@P_RightHand', '@P_LeftHand'); fn('DIV', '@HandsGap', '@HandsGap', '@ShoulderWidth')
+val('float', 'TorsoUpright'); fn('DOT', '@TorsoUpright', '@UpDir', '@UpReference')
 val('float', 'FeetRiseGap'); fn('SUB', '@FeetRiseGap', '@RightFootRise', '@LeftFootRise'); fn('ABS', '@FeetRiseGap', '@FeetRiseGap')
 baseline_funcs = list(funcs); funcs.clear()
 
@@ -176,7 +177,7 @@ G('Duck', 'from standing, the knees bend until the hips drop well below their st
   [within(2500), q('LegStretch', '<', '0.8')] + grounded)
 G('Bow', 'with straight legs the torso bends forward over the hips and comes back up',
   [q('TorsoThigh', '<', '-0.85')],
-  [within(2000), q('TorsoThigh', '>', '-0.6'), q('LegStretch', '>', '0.9')] + grounded,
+  [within(2000), q('TorsoThigh', '>', '-0.6'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85')] + grounded,
   [within(3000), q('TorsoThigh', '<', '-0.95')] + grounded)
 tpose = [q('RightHandOut', '>', '0.8'), q('LeftHandOut', '>', '0.8'), q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.3'),
          q('LeftHandRise', '>', '-0.3'), q('LeftHandRise', '<', '0.3'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85')]
