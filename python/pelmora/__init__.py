@@ -12,7 +12,7 @@ from ._native import (EXPORTS, JOINT_NAMES, JOINTS, MAX_HISTORY_POINTS, MAX_JOIN
                       RETURN_INFO_24, TIME_SOURCE, VELOCITY_EQUAL, VELOCITY_HALVING, GestureConfigParam, Library,
                       PelmoraResult8, PelmoraResult16, PelmoraResult24, Point3, point_array)
 from .output import capture_library_output, flush_library_output, library_output_to
-from .recording import Frame, Recording, format_ms, read_recording
+from .recording import Frame, Recording, RecordingStream, format_ms, read_recording
 from .replay import Finish, replay, ticks
 from .session import ManualClock, Result, Session
 
@@ -22,6 +22,6 @@ __all__ = [
     "RETURN_INFO_24", "TIME_SOURCE", "VELOCITY_EQUAL", "VELOCITY_HALVING", "GestureConfigParam", "Library",
     "PelmoraResult8", "PelmoraResult16", "PelmoraResult24", "Point3", "point_array",
     "capture_library_output", "flush_library_output", "library_output_to",
-    "Frame", "Recording", "format_ms", "read_recording", "Finish", "replay", "ticks",
+    "Frame", "Recording", "RecordingStream", "format_ms", "read_recording", "Finish", "replay", "ticks",
     "ManualClock", "PelmoraError", "Result", "Session",
 ]

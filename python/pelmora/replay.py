@@ -10,7 +10,7 @@ import os
 from typing import NamedTuple
 
 from ._native import RETURN_INFO_24
-from .recording import format_ms, read_recording
+from .recording import RecordingStream, format_ms, players_of
 from .session import ManualClock, PelmoraError, Session
 
 
@@ -38,15 +38,18 @@ def ticks(time_ms):
 
 def replay(config, recording, gestures=None, library=None):
     """Yields a Finish for every finished gesture, in recording order.
-    `recording` is a path or a Recording; `gestures` names the gestures to
-    enable (None: all). Failures raise PelmoraError naming the recording
-    (and the line of a frame the library refuses)."""
+    `recording` is a path (read in two streaming passes, as the tool does:
+    memory is bounded by the players, not the file), a Recording or a
+    RecordingStream; `gestures` names the gestures to enable (None: all).
+    A broken recording raises ValueError `FILE: line N: cause`; the library's
+    failures raise PelmoraError naming the recording (and the line of a
+    frame it refuses)."""
     source = "recording" if hasattr(recording, "frames") else os.fspath(recording)
     if not hasattr(recording, "frames"):
-        recording = read_recording(recording)
-    players = recording.players
+        recording = RecordingStream(source)
+    players, first_ms = players_of(recording.frames, source)
     index_of = {number: index for index, number in enumerate(players)}
-    clock = ManualClock(ticks(recording.frames[0].time_ms) if recording.frames else 0)
+    clock = ManualClock(ticks(first_ms))
     session = Session(recording.joints, len(players), return_info=RETURN_INFO_24, clock=clock, library=library)
     with _naming(source):
         session.open()

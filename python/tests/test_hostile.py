@@ -5,7 +5,6 @@ running threads stops them with an error."""
 import builtins
 import ctypes
 import os
-import tempfile
 import threading
 import unittest
 
@@ -36,14 +35,6 @@ class HostileArgumentsTest(unittest.TestCase):
                 with self.assertRaises(getattr(pelmora, error, None) or getattr(builtins, error)) as raised:
                     eval(call, scope)
                 self.assertEqual(str(raised.exception), message)
-
-    def test_replay_names_the_recording(self):
-        with tempfile.NamedTemporaryFile("w", suffix=".csv", delete=False) as f:
-            f.write("time_ms,player,Head.x,Head.y,Head.z\n" + "".join("0,%d,0,1,2\n" % p for p in range(1025)))
-        self.addCleanup(os.unlink, f.name)
-        with self.assertRaises(E) as raised:
-            list(pelmora.replay("unused.xml", f.name, library=LIBRARY))
-        self.assertEqual(str(raised.exception), f.name + ": PlayerNum 1025 is above the library's limit of 1024")
 
 
 class CloseUnderLoadTest(unittest.TestCase):

@@ -4,6 +4,7 @@ tool sees, and the example script must print only the finish lines."""
 import os
 import subprocess
 import sys
+import tempfile
 import unittest
 
 from support import LIBRARY, SOURCE_DIR, pelmora
@@ -49,6 +50,28 @@ class ReplayTest(unittest.TestCase):
         failed = run(sys.executable, EXAMPLE, CONFIG, RECORDING, "--gestures", "NoSuchGesture")
         self.assertEqual((failed.returncode, failed.stdout), (1, ""))
         self.assertIn('python_replay: the configuration has no gesture "NoSuchGesture"', failed.stderr)
+
+
+class RecordingRulesTest(unittest.TestCase):
+    def test_each_recording_of_the_table_reads_as_the_tool_reads_it(self):
+        with open(os.path.join(SOURCE_DIR, "tests", "data", "python", "recordings.tsv")) as table:
+            rows = [line.rstrip("\n").split("\t") for line in table if not line.startswith("#")]
+        home = os.getcwd()
+        for name, setup, outcome in rows:
+            with self.subTest(name), tempfile.TemporaryDirectory() as scratch:
+                subprocess.run(setup, shell=True, cwd=scratch, check=True, timeout=120)
+                os.chdir(scratch)
+                try:
+                    stream = pelmora.RecordingStream("t.csv")
+                    pelmora.recording.players_of(stream.frames, "t.csv")
+                    self.assertEqual(str([(f.line, f.player, f.label) for f in stream.frames]), outcome)
+                except ValueError as error:
+                    self.assertEqual(str(error), outcome)
+                    if os.environ.get("PELMORA_TOOL"):
+                        self.assertEqual(run(os.environ["PELMORA_TOOL"], "replay", CONFIG, "t.csv").stderr,
+                                         "pelmora: %s\n" % outcome)
+                finally:
+                    os.chdir(home)
 
 
 if __name__ == "__main__":
