@@ -32,7 +32,8 @@ MAX_REPLAY_PLAYERS = 256
 _CHUNK = 1 << 16
 _LINE_END = re.compile(rb"[\r\n]")
 # What std::from_chars reads whole: no "+", no hexadecimal, no "_".
-_DECIMAL = re.compile(r"-?(?:(?:[0-9]+\.?[0-9]*|\.[0-9]+)(?:[eE][+-]?[0-9]+)?|(?i:inf(?:inity)?|nan(?:\([0-9A-Za-z_]*\))?))")
+_DECIMAL = re.compile(r"-?(?:(?:[0-9]+\.?[0-9]*|\.[0-9]+)(?:[eE][+-]?[0-9]+)?"
+                      r"|(?i:inf(?:inity)?|nan(?:\([0-9A-Za-z_]*\))?))")
 _INTEGER = re.compile(r"-?[0-9]+")
 
 

@@ -57,6 +57,7 @@ class RecordingRulesTest(unittest.TestCase):
         with open(os.path.join(SOURCE_DIR, "tests", "data", "python", "recordings.tsv")) as table:
             rows = [line.rstrip("\n").split("\t") for line in table if not line.startswith("#")]
         home = os.getcwd()
+        tool = os.environ.get("PELMORA_TOOL") and os.path.join(home, os.environ["PELMORA_TOOL"])
         for name, setup, outcome in rows:
             with self.subTest(name), tempfile.TemporaryDirectory() as scratch:
                 subprocess.run(setup, shell=True, cwd=scratch, check=True, timeout=120)
@@ -67,9 +68,8 @@ class RecordingRulesTest(unittest.TestCase):
                     self.assertEqual(str([(f.line, f.player, f.label) for f in stream.frames]), outcome)
                 except ValueError as error:
                     self.assertEqual(str(error), outcome)
-                    if os.environ.get("PELMORA_TOOL"):
-                        self.assertEqual(run(os.environ["PELMORA_TOOL"], "replay", CONFIG, "t.csv").stderr,
-                                         "pelmora: %s\n" % outcome)
+                    if tool:
+                        self.assertEqual(run(tool, "replay", CONFIG, "t.csv").stderr, "pelmora: %s\n" % outcome)
                 finally:
                     os.chdir(home)
 
