@@ -4,7 +4,6 @@
 #include <cctype>
 #include <cstdio>
 
-#include "engine/Diagnostics.h"
 #include "engine/Pelmora.h"
 #include "processing/OneVariablesFunction.h"
 #include "processing/TwoVariablesFunction.h"
@@ -61,13 +60,8 @@ BaseFunction* FunctionConfig::Compiler(int playerIndex) {
         printf("%s is not been define in this version!!\n", m_Keyword.c_str());
         return nullptr;
     }
-    Pelmora* engine = Pelmora::Get(kSite, 62);
-    if (!engine) return nullptr;
-    IdentifyValues* pool = engine->GetIdentifyValue(playerIndex);
-    if (!pool) {
-        Diagnostics::Located(kSite, 64, Diagnostics::kIdentifyValues);
-        return nullptr;
-    }
+    IdentifyValues* pool = Pelmora::PlayerValues(playerIndex, kSite, 62, 64);
+    if (!pool) return nullptr;
     // Constants are refused here: a function can only write an existing value.
     BaseValue::SubType resultSub;
     BaseValue* result = pool->GetValueFromString(m_Return.c_str(), resultSub, true);

@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "engine/Diagnostics.h"
 #include "engine/Pelmora.h"
 #include "values/IdentifyValues.h"
 
@@ -34,13 +33,8 @@ QualificationConfig* QualificationConfig::Read(TiXmlElement* element) {
 }
 
 Qualification* QualificationConfig::Compiler(int playerIndex) {
-    Pelmora* engine = Pelmora::Get("PelmoraLib::QualificationConfig::Compiler", 66);
-    if (!engine) return nullptr;
-    IdentifyValues* pool = engine->GetIdentifyValue(playerIndex);
-    if (!pool) {
-        Diagnostics::Located("PelmoraLib::QualificationConfig::Compiler", 68, Diagnostics::kIdentifyValues);
-        return nullptr;
-    }
+    IdentifyValues* pool = Pelmora::PlayerValues(playerIndex, "PelmoraLib::QualificationConfig::Compiler", 66, 68);
+    if (!pool) return nullptr;
     BaseValue::SubType sub0, sub1;
     BaseValue* value0 = pool->GetValueFromString(m_Values[0].c_str(), sub0, false);
     if (!value0) {

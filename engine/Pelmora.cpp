@@ -55,6 +55,14 @@ Pelmora* Pelmora::Get(const char* site, int line) {
     return engine;
 }
 
+IdentifyValues* Pelmora::PlayerValues(int playerIndex, const char* site, int engineLine, int poolLine) {
+    Pelmora* engine = Get(site, engineLine);
+    if (!engine) return nullptr;
+    IdentifyValues* pool = engine->GetIdentifyValue(playerIndex);
+    if (!pool) Diagnostics::Located(site, poolLine, Diagnostics::kIdentifyValues);
+    return pool;
+}
+
 Pelmora* Pelmora::Create() {
     Pelmora* engine = ms_Instance.load(std::memory_order_acquire);
     if (engine) {

@@ -42,6 +42,9 @@ public:
     static Pelmora* Get();
     // Get, followed when the engine is missing by the calling site's located line.
     static Pelmora* Get(const char* site, int line);
+    // The player's value pool; null, after the calling site's located line,
+    // when the engine (engineLine) or the pool (poolLine) is missing.
+    static IdentifyValues* PlayerValues(int playerIndex, const char* site, int engineLine, int poolLine);
     // The engine or null, without a message.
     static Pelmora* Current() { return ms_Instance.load(std::memory_order_acquire); }
     static Pelmora* Create();

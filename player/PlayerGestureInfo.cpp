@@ -1,7 +1,6 @@
 #include "player/PlayerGestureInfo.h"
 
 #include "engine/Clock.h"
-#include "engine/Diagnostics.h"
 #include "engine/Pelmora.h"
 #include "values/IdentifyValues.h"
 
@@ -41,13 +40,8 @@ void PlayerGestureInfo::UpdateTime(int playerIndex) {
     m_SegmentTime = now - m_SegmentStart;
     m_GestureTime = now - m_GestureStart;
 
-    Pelmora* engine = Pelmora::Get("PelmoraLib::PlayerGestureInfo::UpdateTime", 47);
-    if (!engine) return;
-    IdentifyValues* pool = engine->GetIdentifyValue(playerIndex);
-    if (!pool) {
-        Diagnostics::Located("PelmoraLib::PlayerGestureInfo::UpdateTime", 50, Diagnostics::kIdentifyValues);
-        return;
-    }
+    IdentifyValues* pool = Pelmora::PlayerValues(playerIndex, "PelmoraLib::PlayerGestureInfo::UpdateTime", 47, 50);
+    if (!pool) return;
     BaseValue* gestureTime = pool->GetValue(static_cast<size_t>(static_cast<uint32_t>(ms_GestureTimeIndex)));
     if (!gestureTime) return;
     BaseValue* segmentTime = pool->GetValue(static_cast<size_t>(static_cast<uint32_t>(ms_SegmentTimeIndex)));
