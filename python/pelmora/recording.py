@@ -19,7 +19,6 @@ file anew and keeps one line in memory."""
 import contextlib
 import math
 import re
-import struct
 from typing import List, NamedTuple, Tuple
 
 from ._native import JOINT_NAMES, JOINTS
@@ -130,26 +129,32 @@ def _double(text, column):
     trimmed = text.strip(_BLANKS)
     if not _DECIMAL.fullmatch(trimmed):
         raise _refused(column, "not a number", text)
-    if "n" in trimmed.lower():  # inf, infinity, nan
-        raise _refused(column, "not finite", text)
     value = float(trimmed)
-    if math.isinf(value) or (value == 0 and _has_digit_beyond_zero(trimmed)):
+    if value != value or (math.isinf(value) and trimmed.lstrip("-")[:1] in "iI"):  # nan, inf, infinity
+        raise _refused(column, "not finite", text)
+    if math.isinf(value) or (value == 0 and _is_beyond_zero(trimmed)):
         raise _refused(column, "out of range", text)
     return value
 
 
-def _has_digit_beyond_zero(number):
+def _is_beyond_zero(number):
+    """Whether a number read as 0 was written with a digit other than 0 (it
+    underflowed)."""
+    if not number.strip("-0."):
+        return False
     return any(c in "123456789" for c in re.split("[eE]", number)[0])
+
+
+# A double rounds to a 32-bit float of 0 at or below half the least one,
+# and to infinity from halfway between the greatest one and 2^128.
+_FLOAT_LEAST_HALF = 2.0 ** -150
+_FLOAT_OVERFLOW = 2.0 ** 128 - 2.0 ** 103
 
 
 def _coordinate(text, column):
     """A joint coordinate: a double that must also be a 32-bit float."""
     value = _double(text, column)
-    try:
-        single = struct.unpack("<f", struct.pack("<f", value))[0]
-    except OverflowError:
-        raise _refused(column, "out of range", text) from None
-    if single == 0 and value != 0:
+    if value != 0 and not _FLOAT_LEAST_HALF < abs(value) < _FLOAT_OVERFLOW:
         raise _refused(column, "out of range", text)
     return value
 
