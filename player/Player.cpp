@@ -9,6 +9,7 @@
 #include "engine/DebugInfo.h"
 #include "engine/Pelmora.h"
 #include "gesture/GestureTable.h"
+#include "player/GesturePass.h"
 #include "processing/ProcessingTable.h"
 #include "values/IdentifyValues.h"
 
@@ -25,142 +26,6 @@ int Player::ms_TypeToVelocityIndex[kSkeletonTypeCount] = {25, 26, 27, 28, 29, 30
                                                           38, 39, 40, 41, 42, 43, 44, 45, 46, 47, 48, 49};
 
 namespace {
-
-// ---- Result records: little-endian 32-bit fields, packed.
-
-char* PutField(char* cursor, uint32_t value) {
-    memcpy(cursor, &value, sizeof value);
-    return cursor + sizeof value;
-}
-
-char* BuildRecord8(const PlayerGestureInfo& info, char* cursor, bool, bool finished) {
-    cursor = PutField(cursor, finished ? 1u : 0u);
-    return PutField(cursor, info.m_GestureIndex);
-}
-
-char* BuildRecord16(const PlayerGestureInfo& info, char* cursor, bool succeeded, bool finished) {
-    cursor = BuildRecord8(info, cursor, succeeded, finished);
-    cursor = PutField(cursor, info.m_SegmentIndex);
-    return PutField(cursor, succeeded ? 1u : 0u);
-}
-
-// Gesture time comes before segment time here, unlike in the progress record:
-// that order is part of the record layout.
-char* BuildRecord24(const PlayerGestureInfo& info, char* cursor, bool succeeded, bool finished) {
-    cursor = BuildRecord16(info, cursor, succeeded, finished);
-    cursor = PutField(cursor, info.m_GestureTime);
-    return PutField(cursor, info.m_SegmentTime);
-}
-
-// The record of one gesture's check in a size fixed at compile time, so the
-// pass's loop calls no builder through a pointer.
-template <uint64_t Size>
-char* WriteRecord(char* cursor, const PlayerGestureInfo& info, bool succeeded, bool finished) {
-    if (Size == 24) return BuildRecord24(info, cursor, succeeded, finished);
-    if (Size == 16) return BuildRecord16(info, cursor, succeeded, finished);
-    return BuildRecord8(info, cursor, succeeded, finished);
-}
-
-char* WriteRecord(char* cursor, uint64_t size, const PlayerGestureInfo& info, bool succeeded, bool finished) {
-    switch (size) {
-        case 24: return WriteRecord<24>(cursor, info, succeeded, finished);
-        case 16: return WriteRecord<16>(cursor, info, succeeded, finished);
-        default: return WriteRecord<8>(cursor, info, succeeded, finished);
-    }
-}
-
-// Writes the record first, then moves the progress on. False, with a
-// message, for a result that is none of the four.
-bool ApplyResult(PlayerGestureInfo& info, uint64_t segmentCount, Qualification::Result result, char*& cursor,
-                 uint64_t recordSize, bool& finished) {
-    switch (result) {
-        case Qualification::Succeed:
-            if (info.m_SegmentIndex + 1ull < segmentCount) {
-                cursor = WriteRecord(cursor, recordSize, info, true, false);
-                ++info.m_SegmentIndex;
-                info.ResetSegmentTime();
-                return true;
-            }
-            cursor = WriteRecord(cursor, recordSize, info, true, true);
-            info.Reset();
-            finished = true;
-            return true;
-        case Qualification::Failed:
-            cursor = WriteRecord(cursor, recordSize, info, false, false);
-            return true;
-        case Qualification::Reset:
-            cursor = WriteRecord(cursor, recordSize, info, false, false);
-            info.Reset();
-            return true;
-        case Qualification::Succeed_Finish:
-            cursor = WriteRecord(cursor, recordSize, info, true, true);
-            info.Reset();
-            finished = true;
-            return true;
-    }
-    printf("Error Qualification Result: %d\n", static_cast<int>(result));
-    return false;
-}
-
-// What PlayerGestureInfo::UpdateTime does once the caller has looked up the
-// storage of the two time values (a null slot is a value that does not exist).
-void MeasureTimes(PlayerGestureInfo& info, int32_t* gestureTimeSlot, int32_t* segmentTimeSlot) {
-    const uint32_t now = Clock::NowMs();
-    info.m_SegmentTime = now - info.m_SegmentStart;
-    info.m_GestureTime = now - info.m_GestureStart;
-    if (!gestureTimeSlot) return;
-    if (segmentTimeSlot) *segmentTimeSlot = static_cast<int32_t>(info.m_SegmentTime);
-    *gestureTimeSlot = static_cast<int32_t>(info.m_GestureTime);
-}
-
-// The gesture loop of a pass as it nearly always runs (no trace, both time
-// values' storage found once) for one record size: the general loop of
-// UpdateGestureInfo with MeasureTimes and ApplyResult written out, so that
-// nothing is left to decide per gesture but the gesture's own state. The
-// clock is still read once per gesture, as UpdateTime does.
-template <uint64_t RecordSize>
-bool CheckGestures(std::vector<PlayerGestureInfo>& infos, const GestureProgram::View& program,
-                   int32_t* gestureTimeSlot, int32_t* segmentTimeSlot, char* cursor, uint64_t& records) {
-    bool anyFinished = false;
-    uint64_t written = 0;
-    const Clock::Reader clock;
-    for (PlayerGestureInfo& info : infos) {
-        // The invalid index is beyond every table's gesture count.
-        const size_t index = static_cast<size_t>(info.m_GestureIndex);
-        if (!info.m_IsActive || index >= program.GestureCount()) continue;
-        // MeasureTimes with both values present.
-        const uint32_t now = clock.Now();
-        info.m_SegmentTime = now - info.m_SegmentStart;
-        info.m_GestureTime = now - info.m_GestureStart;
-        *segmentTimeSlot = static_cast<int32_t>(info.m_SegmentTime);
-        *gestureTimeSlot = static_cast<int32_t>(info.m_GestureTime);
-        const Qualification::Result result = program.Check(index, info.m_SegmentIndex);
-        // Most gestures wait in their segment: record, and nothing moves.
-        if (result == Qualification::Failed) {
-            cursor = WriteRecord<RecordSize>(cursor, info, false, false);
-            ++written;
-            continue;
-        }
-        if (static_cast<unsigned>(result) > Qualification::Succeed_Finish) {
-            printf("Error Qualification Result: %d\n", static_cast<int>(result));
-            continue;
-        }
-        // ApplyResult's cases, written once: the record, then the progress.
-        const bool advances = result == Qualification::Succeed && info.m_SegmentIndex + 1ull < program.SegmentCount(index);
-        const bool finished = result == Qualification::Succeed_Finish || (result == Qualification::Succeed && !advances);
-        cursor = WriteRecord<RecordSize>(cursor, info, result == Qualification::Succeed || finished, finished);
-        ++written;
-        if (advances) {
-            ++info.m_SegmentIndex;
-            info.ResetSegmentTime();
-            continue;
-        }
-        info.Reset();
-        anyFinished = anyFinished || finished;
-    }
-    records = written;
-    return anyFinished;
-}
 
 uint64_t PoolIndex(int index) { return static_cast<uint32_t>(index); }
 
@@ -470,12 +335,7 @@ void Player::InitGestureList() {
     // Laid out now, so that the first frame finds it ready.
     table->Program(pool);
 
-    switch (engine->GetReturnInfoType()) {
-        case ReturnInfo8: m_BuildRecord = &BuildRecord8; m_ReturnInfoSize = 8; break;
-        case ReturnInfo16: m_BuildRecord = &BuildRecord16; m_ReturnInfoSize = 16; break;
-        case ReturnInfo24: m_BuildRecord = &BuildRecord24; m_ReturnInfoSize = 24; break;
-        default: m_BuildRecord = nullptr; m_ReturnInfoSize = 0; break;
-    }
+    m_ReturnInfoSize = GesturePass::RecordSize(engine->GetReturnInfoType());
     // A host thread may be copying results out of a slot right now.
     ScopedLock readers(m_ResultBuffer.HostLock());
     for (uint32_t slot = 0; slot < 3; ++slot) {
@@ -507,85 +367,20 @@ PlayerGestureInfo* Player::GetGestureInfo(size_t index) {
     return &m_GestureInfos[index];
 }
 
-char* Player::BuildGestureFinishResult(PlayerGestureInfo* info, char* cursor, bool succeeded, bool finished) {
-    return m_BuildRecord(*info, cursor, succeeded, finished);
-}
-
 bool Player::UpdateGestureInfo() {
     DoPlayerProcessing();
     Pelmora* engine = Pelmora::Get("PelmoraLib::Player::UpdateGestureInfo", 393);
     if (!engine) return false;
     GestureTable* table = engine->GetGestureTable(m_PlayerIndex);
-    if (!m_BuildRecord) return false;
+    if (m_ReturnInfoSize == 0) return false;
 
     ReturnGestureInfoBuffer& slot = m_ResultBuffer.WriteSlot();
-    char* cursor = slot.m_Data.data();
-    const bool trace = IsDebugInfo();
-    // The time values' storage is the same for every gesture of the pass.
-    int32_t* gestureTimeSlot = nullptr;
-    int32_t* segmentTimeSlot = nullptr;
-    const bool timeSlots = PassTimeSlots(gestureTimeSlot, segmentTimeSlot);
-    // Without a table no gesture is checked; its program has one entry per
-    // gesture of the table.
-    const GestureProgram::View program = table ? table->Program(m_PassPool).GetView() : GestureProgram::View();
-    const uint64_t recordSize = m_ReturnInfoSize;
-    uint64_t records = 0;
-    bool anyFinished = false;
-    if (!trace && timeSlots && gestureTimeSlot && segmentTimeSlot) {
-        switch (recordSize) {
-            case 24:
-                anyFinished = CheckGestures<24>(m_GestureInfos, program, gestureTimeSlot, segmentTimeSlot, cursor, records);
-                break;
-            case 16:
-                anyFinished = CheckGestures<16>(m_GestureInfos, program, gestureTimeSlot, segmentTimeSlot, cursor, records);
-                break;
-            default:
-                anyFinished = CheckGestures<8>(m_GestureInfos, program, gestureTimeSlot, segmentTimeSlot, cursor, records);
-                break;
-        }
-    } else {
-        // Traced, or with a time value missing or looked up gesture by gesture.
-        for (PlayerGestureInfo& info : m_GestureInfos) {
-            const size_t index = static_cast<size_t>(info.m_GestureIndex);
-            if (!info.m_IsActive || index == GestureTable::kInvalidIndex || index >= program.GestureCount()) continue;
-            if (timeSlots) {
-                MeasureTimes(info, gestureTimeSlot, segmentTimeSlot);
-            } else {
-                info.UpdateTime(m_PlayerIndex);
-            }
-            const Qualification::Result result = trace ? table->GestureAt(index)->DoCheckAndPrint(info.m_SegmentIndex)
-                                                       : program.Check(index, info.m_SegmentIndex);
-            bool finished = false;
-            if (!ApplyResult(info, program.SegmentCount(index), result, cursor, recordSize, finished)) continue;
-            ++records;
-            anyFinished = anyFinished || finished;
-        }
-    }
-    slot.m_Count = records;
+    const GesturePass pass(table, m_PassPool, m_PlayerIndex, IsDebugInfo());
+    const bool anyFinished = pass.Run(m_GestureInfos, m_ReturnInfoSize, slot.m_Data.data(), slot.m_Count);
     m_ResultBuffer.Commit();
     ScopedLock lock(m_PlayerLock);
     m_HasNewData.store(true, std::memory_order_release);
     return anyFinished;
-}
-
-// The storage of "GestureTime" and "SegmentTime" in the pool that this pass's
-// processing found, looked up the way each gesture's UpdateTime(player) would
-// but once. False when that lookup would print something (no pool, an index
-// outside the pool): the gestures then take the printing route one by one.
-bool Player::PassTimeSlots(int32_t*& gestureTimeSlot, int32_t*& segmentTimeSlot) const {
-    const IdentifyValues* pool = m_PassPool;
-    if (!pool) return false;
-    const size_t gestureIndex = static_cast<size_t>(static_cast<uint32_t>(PlayerGestureInfo::ms_GestureTimeIndex));
-    const size_t segmentIndex = static_cast<size_t>(static_cast<uint32_t>(PlayerGestureInfo::ms_SegmentTimeIndex));
-    if (gestureIndex >= pool->GetValueCount()) return false;
-    BaseValue* gestureTime = pool->GetValue(gestureIndex);
-    gestureTimeSlot = gestureTime ? gestureTime->GetValue().i : nullptr;
-    segmentTimeSlot = nullptr;
-    if (!gestureTime) return true;
-    if (segmentIndex >= pool->GetValueCount()) return false;
-    BaseValue* segmentTime = pool->GetValue(segmentIndex);
-    segmentTimeSlot = segmentTime ? segmentTime->GetValue().i : nullptr;
-    return true;
 }
 
 // A poll that finds nothing new only reads the flag: it leaves the flag's

@@ -1,9 +1,9 @@
 // Player - one tracked person. Frames come in from the host through a triple
 // buffer, are kept in a short position history from which joint velocities
 // are derived, and are written with the velocities into the player's value
-// pool; then the processing runs and every active gesture's current segment
-// is checked, and one result record per checked gesture is published through
-// a second triple buffer.
+// pool; then the processing runs, a GesturePass checks every active
+// gesture's current segment, and its result records are published through a
+// second triple buffer.
 // Thread-safety: UpdatePlayerInfo and the result/velocity readers run on host
 // threads; ProcessPlayerInfo, UpdatePlayerInfoImmediate and the gesture state
 // run on the thread that updates the player (the worker, or the host in the
@@ -91,11 +91,8 @@ protected:
     static void InitFrameDataMul();
     void DoPlayerProcessing();
     void CalcSkeletonVelocity();
-    char* BuildGestureFinishResult(PlayerGestureInfo* info, char* cursor, bool succeeded, bool finished);
 
 private:
-    using RecordBuilder = char* (*)(const PlayerGestureInfo& info, char* cursor, bool succeeded, bool finished);
-
     struct PositionFrame {
         uint64_t m_Tick = 0;
         std::vector<Point3> m_Points;
@@ -105,7 +102,6 @@ private:
     static int ValidSkeletonType(int slot, int type);
     bool StoreFrame(const void* data, int count);
     void DeriveVelocities(uint64_t previousEntry);
-    bool PassTimeSlots(int32_t*& gestureTimeSlot, int32_t*& segmentTimeSlot) const;
     void FindSlotTargets(const IdentifyValues& pool, size_t slots);
 
     static int ms_VelocityFrameNum;
@@ -132,7 +128,6 @@ private:
     std::vector<PlayerGestureInfo> m_GestureInfos;
     MulBuffer<ReturnGestureInfoBuffer> m_ResultBuffer;
     uint64_t m_ReturnInfoSize = 0;
-    RecordBuilder m_BuildRecord = nullptr;
     // Set by the pass that publishes a result set, cleared by the host call
     // that takes it; atomic so that a host polling between frames can look
     // without taking the lock.

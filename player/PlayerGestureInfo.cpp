@@ -36,17 +36,14 @@ void PlayerGestureInfo::ClearProgress() {
 }
 
 void PlayerGestureInfo::UpdateTime(int playerIndex) {
-    const uint32_t now = Clock::NowMs();
-    m_SegmentTime = now - m_SegmentStart;
-    m_GestureTime = now - m_GestureStart;
-
+    MeasureTimes(Clock::NowMs());
     IdentifyValues* pool = Pelmora::PlayerValues(playerIndex, "PelmoraLib::PlayerGestureInfo::UpdateTime", 47, 50);
     if (!pool) return;
     BaseValue* gestureTime = pool->GetValue(static_cast<size_t>(static_cast<uint32_t>(ms_GestureTimeIndex)));
     if (!gestureTime) return;
     BaseValue* segmentTime = pool->GetValue(static_cast<size_t>(static_cast<uint32_t>(ms_SegmentTimeIndex)));
-    if (segmentTime) *segmentTime->GetValue().i = static_cast<int32_t>(m_SegmentTime);
-    *gestureTime->GetValue().i = static_cast<int32_t>(m_GestureTime);
+    int32_t unread = 0;
+    PublishTimes(gestureTime->GetValue().i, segmentTime ? segmentTime->GetValue().i : &unread);
 }
 
 }  // namespace PelmoraLib

@@ -29,6 +29,17 @@ public:
     // Measures both times and publishes them as the player's "GestureTime"
     // and "SegmentTime" values.
     void UpdateTime(int playerIndex);
+    // The two steps of UpdateTime, for a caller that found the values'
+    // storage itself: the times at tick `now`, and their copy into the
+    // storage (a value that does not exist gets storage nothing reads).
+    void MeasureTimes(uint32_t now) {
+        m_SegmentTime = now - m_SegmentStart;
+        m_GestureTime = now - m_GestureStart;
+    }
+    void PublishTimes(int32_t* gestureTime, int32_t* segmentTime) const {
+        *segmentTime = static_cast<int32_t>(m_SegmentTime);
+        *gestureTime = static_cast<int32_t>(m_GestureTime);
+    }
 
     uint32_t m_GestureIndex = 0;
     uint32_t m_SegmentIndex = 0;
