@@ -39,27 +39,24 @@ GestureProgram::WideStep GestureProgram::StepOf(Qualification& qualification) {
     const void* right = qualification.m_RightStorage;
     bool leftInt = ReadsInt(qualification, true);
     bool rightInt = ReadsInt(qualification, false);
-    int test = 0;  // 0 above, 1 above or equal, 2 equal
-    bool negate = false;
-    switch (qualification.m_QualificationEnum) {
-        case Qualification::Equal: test = 2; break;
-        case Qualification::NoEqual: test = 2; negate = true; break;
-        case Qualification::Greate: test = 0; break;
-        case Qualification::EGreate: test = 1; break;
-        case Qualification::Less: test = 0; std::swap(left, right); std::swap(leftInt, rightInt); break;
-        default: test = 1; std::swap(left, right); std::swap(leftInt, rightInt); break;  // ELess
+    // From the outcomes the kind holds for: one that holds for unordered
+    // operands is the negation of one that does not (NoEqual), and one that
+    // holds below is one that holds above with the operands swapped.
+    unsigned holds = qualification.m_Holds;
+    const bool negate = (holds & Qualification::kUnordered) != 0;
+    if (negate) holds = ~holds & (Qualification::kBelow | Qualification::kAbove | Qualification::kEqual);
+    if (holds & Qualification::kBelow) {
+        std::swap(left, right);
+        std::swap(leftInt, rightInt);
     }
+    // 0 above, 1 above or equal, 2 equal.
+    const int test = holds == Qualification::kEqual ? 2 : (holds & Qualification::kEqual ? 1 : 0);
     const int form = leftInt ? (rightInt ? 1 : 2) : (rightInt ? 3 : 0);  // float-float, int-int, int-float, float-int
     step.operation = static_cast<uint8_t>(kFloatAbove + form * 3 + test);
     step.left = left;
     step.right = right;
-    // Qualification::Check: holding gives Succeed, failing Failed or Reset,
-    // and a qualification that finishes gives Succeed_Finish either way.
-    const Qualification::Result holds = Qualification::Succeed;
-    const Qualification::Result fails = qualification.m_IsResetOnFailed ? Qualification::Reset : Qualification::Failed;
-    step.onTrue = static_cast<uint8_t>(negate ? fails : holds);
-    step.onFalse = static_cast<uint8_t>(negate ? holds : fails);
-    if (qualification.m_IsFinishOnSucceed) step.onTrue = step.onFalse = Qualification::Succeed_Finish;
+    step.onTrue = static_cast<uint8_t>(qualification.ResultOf(!negate));
+    step.onFalse = static_cast<uint8_t>(qualification.ResultOf(negate));
     return step;
 }
 

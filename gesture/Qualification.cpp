@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <functional>
 #include <map>
 #include <string>
+#include <type_traits>
 
 #include "engine/Pelmora.h"
 #include "gesture/GestureProgram.h"
@@ -18,52 +18,12 @@ namespace {
 const char* const kKindNames[] = {"Equal", "NoEqual", "Greate", "Less", "EGreate", "ELess", "Count", "Error"};
 const char* const kResultNames[] = {"Succeed", "Failed", "Reset", "Succeed_Finish"};
 
-// Mixed int and float parts meet in the usual arithmetic conversions: the int
-// is converted to single precision.
 template <class T>
 T Number(BaseValue* part);
 template <>
 int32_t Number<int32_t>(BaseValue* part) { return *part->GetValue().i; }
 template <>
 float Number<float>(BaseValue* part) { return *part->GetValue().f; }
-
-template <class Left, class Right, class Op>
-bool Compare(BaseValue* left, BaseValue* right) {
-    return Op()(Number<Left>(left), Number<Right>(right));
-}
-
-uint64_t ComparisonKey(Qualification::QualificationEnum kind, BaseValue::Type left, BaseValue::Type right) {
-    return static_cast<uint64_t>(kind & 0xFFFF) | (static_cast<uint64_t>(left & 0xFFFF) << 16) |
-           (static_cast<uint64_t>(right & 0xFFFF) << 32);
-}
-
-template <class Op>
-void Register(std::map<uint64_t, Qualification::CompareFunction>& map, Qualification::QualificationEnum kind) {
-    map[ComparisonKey(kind, BaseValue::Int, BaseValue::Int)] = &Compare<int32_t, int32_t, Op>;
-    map[ComparisonKey(kind, BaseValue::Float, BaseValue::Int)] = &Compare<float, int32_t, Op>;
-    map[ComparisonKey(kind, BaseValue::Int, BaseValue::Float)] = &Compare<int32_t, float, Op>;
-    map[ComparisonKey(kind, BaseValue::Float, BaseValue::Float)] = &Compare<float, float, Op>;
-}
-
-std::map<uint64_t, Qualification::CompareFunction> BuildComparisons() {
-    std::map<uint64_t, Qualification::CompareFunction> map;
-    Register<std::equal_to<>>(map, Qualification::Equal);
-    Register<std::not_equal_to<>>(map, Qualification::NoEqual);
-    Register<std::greater<>>(map, Qualification::Greate);
-    Register<std::less<>>(map, Qualification::Less);
-    Register<std::greater_equal<>>(map, Qualification::EGreate);
-    Register<std::less_equal<>>(map, Qualification::ELess);
-    return map;
-}
-
-const std::map<uint64_t, Qualification::CompareFunction>& Comparisons() {
-    static const std::map<uint64_t, Qualification::CompareFunction> map = BuildComparisons();
-    return map;
-}
-
-// The outcomes (below, above, equal, unordered) for which each kind holds,
-// by QualificationEnum: exactly the IEEE results of ==, !=, >, <, >=, <=.
-const uint8_t kHolds[] = {4, 1 | 2 | 8, 2, 1, 2 | 4, 1 | 4};
 
 const std::map<std::string, Qualification::QualificationEnum>& Keywords() {
     static const std::map<std::string, Qualification::QualificationEnum> map = {
@@ -75,10 +35,7 @@ const std::map<std::string, Qualification::QualificationEnum>& Keywords() {
 
 }  // namespace
 
-Qualification::Qualification() {
-    Keywords();
-    Comparisons();
-}
+Qualification::Qualification() { Keywords(); }
 
 Qualification& Qualification::operator=(const Qualification& other) {
     m_Value1 = other.m_Value1;
@@ -108,10 +65,32 @@ void Qualification::SetFinishOnSucceed(bool on) {
 }
 
 Qualification::QualificationEnum Qualification::GetQualificationEnum(const char* name) {
-    Comparisons();
     if (!name) return Error;
     const auto found = Keywords().find(name);
     return found == Keywords().end() ? Error : found->second;
+}
+
+// Mixed int and float parts meet in the usual arithmetic conversions: the int
+// is converted to single precision.
+template <class Left, class Right>
+unsigned Qualification::CompareParts(BaseValue* left, BaseValue* right) {
+    using Common = typename std::conditional<std::is_same<Left, Right>::value, Left, float>::type;
+    return Compare(static_cast<Common>(Number<Left>(left)), static_cast<Common>(Number<Right>(right)));
+}
+
+// The outcomes for which a kind (Equal ... ELess) holds: exactly the IEEE
+// results of ==, !=, >, <, >=, <=.
+uint8_t Qualification::HoldsFor(QualificationEnum kind) {
+    static const uint8_t holds[] = {kEqual, kBelow | kAbove | kUnordered, kAbove, kBelow, kAbove | kEqual, kBelow | kEqual};
+    return holds[kind];
+}
+
+// Only int and float parts compare.
+Qualification::CompareFunction Qualification::ComparisonFor(BaseValue::Type left, BaseValue::Type right) {
+    const bool leftInt = left == BaseValue::Int, rightInt = right == BaseValue::Int;
+    if ((!leftInt && left != BaseValue::Float) || (!rightInt && right != BaseValue::Float)) return nullptr;
+    if (leftInt) return rightInt ? &CompareParts<int32_t, int32_t> : &CompareParts<int32_t, float>;
+    return rightInt ? &CompareParts<float, int32_t> : &CompareParts<float, float>;
 }
 
 const char* Qualification::GetQualificationEnumName(QualificationEnum kind) {
@@ -127,10 +106,11 @@ bool Qualification::SetQualification(QualificationEnum kind, BaseValue* value1, 
     if (!value1 || !value2) return false;
     const BaseValue::Type type2 = value2->GetSubValue(subType2)->GetType();
     const BaseValue::Type type1 = value1->GetSubValue(subType1)->GetType();
-    const auto found = Comparisons().find(ComparisonKey(kind, type1, type2));
-    if (found == Comparisons().end()) return false;
+    const CompareFunction compare = ComparisonFor(type1, type2);
+    if (kind < Equal || kind > ELess || !compare) return false;
     m_QualificationEnum = kind;
-    m_Compare = found->second;
+    m_Compare = compare;
+    m_Holds = HoldsFor(kind);
     m_Value1 = value1;
     m_Value2 = value2;
     m_SubType1 = subType1;
@@ -146,14 +126,12 @@ void Qualification::ResolveOperands() {
     m_Operands = kGeneral;
     BaseValue* left = PartStorage::FixedPart(m_Value1, m_SubType1);
     BaseValue* right = PartStorage::FixedPart(m_Value2, m_SubType2);
-    if (m_QualificationEnum < Equal || m_QualificationEnum > ELess) return;
     const void* leftStorage = PartStorage::Of(left);
     const void* rightStorage = PartStorage::Of(right);
     if (!leftStorage || !rightStorage) return;
     const bool leftInt = left->GetType() == BaseValue::Int, rightInt = right->GetType() == BaseValue::Int;
     m_LeftStorage = leftStorage;
     m_RightStorage = rightStorage;
-    m_Holds = kHolds[m_QualificationEnum];
     m_Operands = leftInt ? (rightInt ? kIntInt : kIntFloat) : (rightInt ? kFloatInt : kFloatFloat);
 }
 
@@ -163,9 +141,7 @@ Qualification::Result Qualification::CheckGeneral() {
     if (!m_Compare) return Failed;
     BaseValue* part2 = m_Value2->GetSubValue(m_SubType2);
     BaseValue* part1 = m_Value1->GetSubValue(m_SubType1);
-    Result result = m_Compare(part1, part2) ? Succeed : (m_IsResetOnFailed ? Reset : Failed);
-    if (m_IsFinishOnSucceed) result = Succeed_Finish;
-    return result;
+    return ResultOf((m_Compare(part1, part2) & m_Holds) != 0);
 }
 
 Qualification::Result Qualification::CheckAndPrint() {

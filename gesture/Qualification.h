@@ -21,7 +21,8 @@ class PELMORA_API Qualification {
 public:
     enum QualificationEnum { Equal = 0, NoEqual, Greate, Less, EGreate, ELess, Count, Error };
     enum Result { Succeed = 0, Failed = 1, Reset = 2, Succeed_Finish = 3 };
-    using CompareFunction = bool (*)(BaseValue* left, BaseValue* right);
+    // The outcome of comparing two parts (see Compare).
+    using CompareFunction = unsigned (*)(BaseValue* left, BaseValue* right);
 
     Qualification();
     Qualification(const Qualification& other) = default;
@@ -57,10 +58,17 @@ private:
     // from the storage found by SetQualification, with the types it found.
     enum Operands : uint8_t { kGeneral = 0, kIntInt, kFloatFloat, kIntFloat, kFloatInt };
 
+    // The outcome of comparing left with right, as one bit (unordered: a
+    // NaN). A kind holds for a set of them (m_Holds): every route of a check,
+    // and the gesture program, decide by that one set.
+    enum Outcome : uint8_t { kBelow = 1, kAbove = 2, kEqual = 4, kUnordered = 8 };
+
     Result CheckGeneral();
     void ResolveOperands();
-    // The outcome of comparing left with right as one bit: 1 below, 2 above,
-    // 4 equal, 8 unordered (a NaN); a kind holds for a set of them.
+    static uint8_t HoldsFor(QualificationEnum kind);
+    static CompareFunction ComparisonFor(BaseValue::Type left, BaseValue::Type right);
+    template <class Left, class Right>
+    static unsigned CompareParts(BaseValue* left, BaseValue* right);
     static unsigned Compare(int32_t left, int32_t right) {
         return static_cast<unsigned>(left < right) | static_cast<unsigned>(left > right) << 1 |
                static_cast<unsigned>(left == right) << 2;
@@ -69,6 +77,12 @@ private:
         const unsigned ordered = static_cast<unsigned>(left < right) | static_cast<unsigned>(left > right) << 1 |
                                  static_cast<unsigned>(left == right) << 2;
         return ordered | static_cast<unsigned>(ordered == 0) << 3;
+    }
+    // What a check gives when the kind holds, or does not.
+    Result ResultOf(bool holds) const {
+        if (m_IsFinishOnSucceed) return Succeed_Finish;
+        if (holds) return Succeed;
+        return m_IsResetOnFailed ? Reset : Failed;
     }
     static float AsFloat(const void* storage, bool isInt) {
         return isInt ? static_cast<float>(*static_cast<const int32_t*>(storage)) : *static_cast<const float*>(storage);
@@ -97,9 +111,7 @@ inline Qualification::Result Qualification::Evaluate() {
         // Mixed int and float compare in single precision, as the general route does.
         outcome = Compare(AsFloat(m_LeftStorage, m_Operands == kIntFloat), AsFloat(m_RightStorage, m_Operands == kFloatInt));
     }
-    Result result = (outcome & m_Holds) != 0 ? Succeed : (m_IsResetOnFailed ? Reset : Failed);
-    if (m_IsFinishOnSucceed) result = Succeed_Finish;
-    return result;
+    return ResultOf((outcome & m_Holds) != 0);
 }
 
 }  // namespace PelmoraLib
