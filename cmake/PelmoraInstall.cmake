@@ -17,8 +17,8 @@ set(PELMORA_PUBLIC_CXX_HEADERS
   values/RTTI.h values/BaseValue.h values/IntValue.h values/FloatValue.h
   values/RefFloatValue.h values/Vector3Value.h values/ValueArithmetic.h
   values/ValuesTable.h values/IdentifyValues.h
-  gesture/Qualification.h gesture/Segment.h gesture/Gesture.h gesture/GestureProgram.h gesture/GestureTable.h
-  processing/BaseFunction.h processing/FunctionRoutines.h processing/OneVariablesFunction.h
+  gesture/Qualification.h gesture/Segment.h gesture/Gesture.h gesture/GestureTable.h
+  processing/BaseFunction.h processing/OneVariablesFunction.h
   processing/TwoVariablesFunction.h processing/Processing.h processing/ProcessingTable.h
   config/QualificationConfig.h config/SegmentConfig.h config/GestureConfig.h
   config/GestureConfigTable.h config/FunctionConfig.h config/ProcessingConfig.h

@@ -1,8 +1,11 @@
 #include "gesture/GestureTable.h"
 
+#include "gesture/GestureProgram.h"
 #include "values/ValuesTable.h"
 
 namespace PelmoraLib {
+
+GestureTable::GestureTable() : m_Program(new GestureProgram) {}
 
 GestureTable::~GestureTable() { Clear(); }
 
@@ -26,12 +29,12 @@ const GestureProgram& GestureTable::Program(const ValuesTable* literals) {
     const uint64_t epoch = GestureEpoch::Current();
     const uint64_t generation = literals ? literals->GetGeneration() : 0;
     if (m_ProgramEpoch != epoch || m_ProgramLiterals != literals || m_ProgramGeneration != generation) {
-        m_Program.Build(m_Gestures, literals);
+        m_Program->Build(m_Gestures, literals);
         m_ProgramEpoch = epoch;
         m_ProgramLiterals = literals;
         m_ProgramGeneration = generation;
     }
-    return m_Program;
+    return *m_Program;
 }
 
 void GestureTable::Clear() {

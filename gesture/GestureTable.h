@@ -8,20 +8,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "gesture/Gesture.h"
-#include "gesture/GestureProgram.h"
 
 namespace PelmoraLib {
+
+class GestureProgram;
+class ValuesTable;
 
 class PELMORA_API GestureTable {
 public:
     // The not-found index: the 32-bit all-ones pattern in a 64-bit result.
     static const uint64_t kInvalidIndex = 0xFFFFFFFFull;
 
-    GestureTable() = default;
+    GestureTable();
     ~GestureTable();
     GestureTable(const GestureTable&) = delete;
     GestureTable& operator=(const GestureTable&) = delete;
@@ -51,7 +54,7 @@ protected:
 private:
     std::map<std::string, uint64_t> m_IndexMap;
     std::vector<Gesture*> m_Gestures;
-    GestureProgram m_Program;
+    std::unique_ptr<GestureProgram> m_Program;
     uint64_t m_ProgramEpoch = 0;
     const ValuesTable* m_ProgramLiterals = nullptr;
     uint64_t m_ProgramGeneration = 0;

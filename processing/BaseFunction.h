@@ -11,6 +11,8 @@
 
 namespace PelmoraLib {
 
+class BaseValue;
+
 class PELMORA_API BaseFunction {
 public:
     enum Type {
@@ -23,6 +25,12 @@ public:
     BaseFunction(const BaseFunction&) = default;
     BaseFunction& operator=(const BaseFunction&) = default;
     virtual ~BaseFunction() = default;
+
+    // A routine computes `result` from `first` (and `second`, null for one
+    // operand). The direct form computes on the values' storage, found
+    // beforehand (see PartStorage): no virtual accessor on the way.
+    using Routine = void (*)(BaseValue* result, BaseValue* first, BaseValue* second);
+    using DirectRoutine = void (*)(void* result, void* first, void* second);
 
     virtual void Run() = 0;
     virtual void RunAndPrint() = 0;

@@ -15,11 +15,8 @@
 namespace PelmoraLib {
 namespace FunctionRoutines {
 
-// Computes `result` from `first` (and `second`, null for one operand).
-using Routine = void (*)(BaseValue* result, BaseValue* first, BaseValue* second);
-// The same computation on the values' storage, found beforehand (see
-// PartStorage): no virtual accessor on the way.
-using DirectRoutine = void (*)(void* result, void* first, void* second);
+using Routine = BaseFunction::Routine;
+using DirectRoutine = BaseFunction::DirectRoutine;
 
 struct Routines {
     Routine routine = nullptr;

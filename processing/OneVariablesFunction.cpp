@@ -4,6 +4,7 @@
 #include <string>
 
 #include "engine/Pelmora.h"
+#include "processing/FunctionRoutines.h"
 #include "values/IdentifyValues.h"
 #include "values/PartStorage.h"
 

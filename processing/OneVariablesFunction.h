@@ -4,7 +4,7 @@
 #pragma once
 
 #include "processing/BaseFunction.h"
-#include "processing/FunctionRoutines.h"
+#include "values/BaseValue.h"
 
 namespace PelmoraLib {
 
@@ -22,10 +22,10 @@ public:
     void RunAndPrint() override;
 
 private:
-    FunctionRoutines::Routine m_Routine = nullptr;
+    Routine m_Routine = nullptr;
     // Set when every part's storage is fixed (see PartStorage): Run then
     // computes on the storage directly.
-    FunctionRoutines::DirectRoutine m_Direct = nullptr;
+    DirectRoutine m_Direct = nullptr;
     void* m_ResultStorage = nullptr;
     void* m_OperandStorage = nullptr;
     BaseValue* m_Result = nullptr;

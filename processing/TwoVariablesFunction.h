@@ -5,7 +5,7 @@
 #pragma once
 
 #include "processing/BaseFunction.h"
-#include "processing/FunctionRoutines.h"
+#include "values/BaseValue.h"
 
 namespace PelmoraLib {
 
@@ -23,10 +23,10 @@ public:
     void RunAndPrint() override;
 
 private:
-    FunctionRoutines::Routine m_Routine = nullptr;
+    Routine m_Routine = nullptr;
     // Set when every part's storage is fixed (see PartStorage): Run then
     // computes on the storage directly.
-    FunctionRoutines::DirectRoutine m_Direct = nullptr;
+    DirectRoutine m_Direct = nullptr;
     void* m_ResultStorage = nullptr;
     void* m_Storage0 = nullptr;
     void* m_Storage1 = nullptr;
