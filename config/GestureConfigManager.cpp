@@ -8,6 +8,7 @@
 #include "engine/Diagnostics.h"
 #include "engine/Pelmora.h"
 #include "engine/PlayerManager.h"
+#include "player/Player.h"
 #include "values/IdentifyValues.h"
 
 namespace PelmoraLib {

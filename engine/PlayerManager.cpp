@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "engine/Diagnostics.h"
+#include "player/Player.h"
 
 namespace PelmoraLib {
 

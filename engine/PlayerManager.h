@@ -10,9 +10,10 @@
 #include <vector>
 
 #include "pelmora.h"
-#include "player/Player.h"
 
 namespace PelmoraLib {
+
+class Player;
 
 class PlayerManager {
 public:

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "engine/PlayerManager.h"
+#include "player/Player.h"
 
 namespace PelmoraLib {
 

@@ -20,6 +20,7 @@
 #include "front/WorkerPause.h"
 #include "gesture/GestureTable.h"
 #include "pelmora.h"
+#include "player/Player.h"
 
 using namespace PelmoraLib;
 

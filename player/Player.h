@@ -20,7 +20,6 @@
 
 #include "PelmoraExport.h"
 #include "engine/CriticalSection.h"
-#include "gesture/Gesture.h"
 #include "pelmora.h"
 #include "player/MulBuffer.h"
 #include "player/PlayerGestureInfo.h"

@@ -5,6 +5,7 @@
 #include "engine/Pelmora.h"
 #include "engine/PlayerManager.h"
 #include "gesture/GestureTable.h"
+#include "player/Player.h"
 #include "support/Param.h"
 #include "support/Printed.h"
 

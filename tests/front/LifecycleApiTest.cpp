@@ -13,6 +13,7 @@
 #include "engine/TCSetGestureState.h"
 #include "engine/TCSetPlayerState.h"
 #include "engine/ThreadCommandPool.h"
+#include "player/Player.h"
 #include "support/TestClock.h"
 
 using namespace PelmoraLib;

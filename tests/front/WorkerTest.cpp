@@ -6,6 +6,7 @@
 #include "engine/FrameRateCounter.h"
 #include "engine/Pelmora.h"
 #include "engine/PlayerManager.h"
+#include "player/Player.h"
 
 using namespace PelmoraLib;
 using namespace PelmoraTest;

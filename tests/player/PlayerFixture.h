@@ -13,6 +13,7 @@
 #include "engine/Pelmora.h"
 #include "engine/PlayerManager.h"
 #include "gesture/GestureTable.h"
+#include "player/Player.h"
 #include "support/GestureTableAccess.h"
 #include "support/Param.h"
 #include "support/TestClock.h"
