@@ -138,11 +138,7 @@ private:
                 holds = I(l) >= I(r);
             } else {
                 switch (operation) {
-                case kFloatAbove: holds = F(l) > F(r); break;
-                case kFloatAboveOrEqual: holds = F(l) >= F(r); break;
                 case kFloatEqual: holds = F(l) == F(r); break;
-                case kIntAbove: holds = I(l) > I(r); break;
-                case kIntAboveOrEqual: holds = I(l) >= I(r); break;
                 case kIntEqual: holds = I(l) == I(r); break;
                 case kIntFloatAbove: holds = IF(l) > F(r); break;
                 case kIntFloatAboveOrEqual: holds = IF(l) >= F(r); break;

@@ -9,18 +9,15 @@ Segment::~Segment() {
     GestureEpoch::Advance();
 }
 
-template <bool Print>
-Qualification::Result Segment::Run() {
+Qualification::Result Segment::OnCheck() { return Evaluate(); }
+
+Qualification::Result Segment::CheckAndPrint() {
     for (Qualification* qualification : m_Qualifications) {
-        const Qualification::Result result = Print ? qualification->CheckAndPrint() : qualification->Check();
+        const Qualification::Result result = qualification->CheckAndPrint();
         if (result != Qualification::Succeed) return result;
     }
     return Qualification::Succeed;
 }
-
-Qualification::Result Segment::OnCheck() { return Evaluate(); }
-
-Qualification::Result Segment::CheckAndPrint() { return Run<true>(); }
 
 void Segment::AddQualification(Qualification* qualification) {
     m_Qualifications.push_back(qualification);

@@ -31,9 +31,6 @@ public:
     Qualification* GetQualification(size_t index) const;
 
 private:
-    template <bool Print>
-    Qualification::Result Run();
-
     std::vector<Qualification*> m_Qualifications;
 };
 
