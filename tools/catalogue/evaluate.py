@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Measures the gesture catalogue on real recordings with `pelmora evaluate`
-and prints the README's per-gesture tables, one per dataset.
+and prints the per-gesture tables of docs/catalogue.md, one per dataset.
 
 The datasets are read from ../shared/data (read-only) and unpacked or
 imported into a cache folder, never into the repository:
