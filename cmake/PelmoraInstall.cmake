@@ -64,3 +64,31 @@ file(RELATIVE_PATH PELMORA_PC_TO_PREFIX
 string(REGEX REPLACE "/$" "" PELMORA_PC_TO_PREFIX "${PELMORA_PC_TO_PREFIX}")
 configure_file(cmake/pelmora64.pc.in ${CMAKE_CURRENT_BINARY_DIR}/pelmora64.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/pelmora64.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The Python package (python/, pure ctypes) installs with pip into the
+# environment of an interpreter, offline and without build isolation: the
+# interpreter's own setuptools and wheel build it (Debian's, in a venv made
+# with --system-site-packages). It is the install component "python", part
+# of a plain `cmake --install` only with PELMORA_INSTALL_PYTHON. The
+# interpreter is $PELMORA_PYTHON at install time, else the cache variable.
+file(STRINGS python/pyproject.toml PELMORA_PYTHON_VERSION_LINE REGEX "^version = ")
+if(NOT PELMORA_PYTHON_VERSION_LINE STREQUAL "version = \"${PROJECT_VERSION}\"")
+  message(FATAL_ERROR "python/pyproject.toml says '${PELMORA_PYTHON_VERSION_LINE}' but the library is "
+    "${PROJECT_VERSION}: the package carries the library's version")
+endif()
+option(PELMORA_INSTALL_PYTHON "cmake --install also pip-installs the Python package" OFF)
+find_package(Python3 COMPONENTS Interpreter)
+set(PELMORA_PYTHON "${Python3_EXECUTABLE}" CACHE FILEPATH
+  "Interpreter whose environment cmake --install puts the Python package in")
+if(PELMORA_INSTALL_PYTHON)
+  set(PELMORA_PYTHON_IN_ALL "")
+else()
+  set(PELMORA_PYTHON_IN_ALL EXCLUDE_FROM_ALL)
+endif()
+install(CODE "
+  set(PELMORA_PYTHON_SOURCE \"${PROJECT_SOURCE_DIR}/python\")
+  set(PELMORA_PYTHON_STAGE \"${CMAKE_CURRENT_BINARY_DIR}/python-package\")
+  set(PELMORA_PYTHON \"${PELMORA_PYTHON}\")
+  set(PELMORA_LIBRARY_DIR \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}\")
+  include(\"${PROJECT_SOURCE_DIR}/cmake/InstallPythonPackage.cmake\")"
+  COMPONENT python ${PELMORA_PYTHON_IN_ALL})

@@ -6,17 +6,20 @@ does:
     1433.333 ms frame 43 player 0: RightPunch finished segment 2 [1]
 
 The library's own messages go to standard error. By default the bundled
-PRECOG recording runs through the gesture catalogue. The library is found
-through $PELMORA_LIBRARY or the dynamic loader (LD_LIBRARY_PATH)."""
+PRECOG recording runs through the gesture catalogue. It uses the installed
+package, or else the one beside this checkout, which finds the library as
+docs/python.md says ($PELMORA_LIBRARY first)."""
 
 import argparse
 import os
 import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-sys.path.insert(0, os.path.join(HERE, "..", "python"))
-
-import pelmora  # noqa: E402  (found beside this checkout)
+try:
+    import pelmora
+except ImportError:  # not installed: the package beside this checkout
+    sys.path.insert(0, os.path.join(HERE, "..", "python"))
+    import pelmora
 
 
 def main():

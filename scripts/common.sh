@@ -34,7 +34,8 @@ TINYXML_PACKAGE=libtinyxml-dev=2.6.2-6+deb12u1
 
 # What the library and the pelmora tool build with, and what the tests add.
 BUILD_PACKAGES=(cmake ninja-build g++ pkg-config python3 "$TINYXML_PACKAGE" libgtest-dev libgmock-dev libcli11-dev nlohmann-json3-dev)
-TEST_PACKAGES=("${BUILD_PACKAGES[@]}" chromium valgrind)
+# The Python package installs into a fresh venv with Debian's setuptools and wheel.
+TEST_PACKAGES=("${BUILD_PACKAGES[@]}" chromium valgrind python3-venv python3-setuptools python3-wheel python3-pip)
 
 # build DIR [CMAKE ARGS...]: configures and builds everything into DIR.
 build() {

@@ -5,6 +5,9 @@ joint frames when numpy is installed).
     Library     every export of pelmora.h, typed, under its C name
     Session     InitPelmora ... ClosePelmora as a context manager
     replay      a recording through a configuration, as `pelmora replay`
+
+`pelmora.__version__` is the version of the library the package loads
+(PelmoraVersion), so reading it finds and loads the library.
 """
 
 from ._native import (EXPORTS, JOINT_NAMES, JOINTS, MAX_HISTORY_POINTS, MAX_JOINTS, MAX_NAME_LENGTH, MAX_PLAYERS,
@@ -25,3 +28,11 @@ __all__ = [
     "Frame", "Recording", "RecordingStream", "format_ms", "read_recording", "Finish", "replay", "ticks",
     "ManualClock", "PelmoraError", "Result", "Session",
 ]
+
+
+def __getattr__(name):
+    if name != "__version__":
+        raise AttributeError("module %r has no attribute %r" % (__name__, name))
+    version = "%d.%d.%d" % Library().PelmoraVersion()
+    globals()["__version__"] = version
+    return version

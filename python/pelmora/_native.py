@@ -21,6 +21,8 @@ import traceback
 from ctypes import (CFUNCTYPE, POINTER, Structure, c_bool, c_char_p, c_float, c_int, c_int32, c_uint32,
                     c_uint64, c_void_p)
 
+from ._locate import load_library
+
 try:  # optional: frames given as numpy arrays are converted without a loop
     import numpy as _numpy
 except ImportError:  # pragma: no cover - depends on the machine
@@ -155,18 +157,6 @@ class _Layout:
 _installed_time_sources = []
 
 
-def _library_candidates(path):
-    if path is not None:
-        return [os.fspath(path)]
-    candidates = []
-    configured = os.environ.get("PELMORA_LIBRARY")
-    if configured:
-        candidates.append(configured)
-    # The loader's own search: LD_LIBRARY_PATH, the cache, the default dirs.
-    candidates += ["libPelmora64.so", "libPelmora64.so.0"]
-    return candidates
-
-
 def _int(value, ctype, what):
     value = int(value)
     if ctype(value).value != value:
@@ -273,22 +263,14 @@ def point_array(joints):
 
 class Library:
     """libPelmora64 loaded into this process. Without a path it is looked
-    for in $PELMORA_LIBRARY, then by the dynamic loader as libPelmora64.so.
+    for in $PELMORA_LIBRARY, then in the installed prefix (the one `cmake
+    --install` recorded, pkg-config's), then by the dynamic loader.
 
     The library keeps process-wide state: every Library object of the same
     file drives the same engine."""
 
     def __init__(self, path=None):
-        errors = []
-        for candidate in _library_candidates(path):
-            try:
-                self._dll = ctypes.CDLL(candidate)
-                self.path = candidate
-                break
-            except OSError as error:
-                errors.append("%s: %s" % (candidate, error))
-        else:
-            raise OSError("libPelmora64 not found (set PELMORA_LIBRARY to its path): " + "; ".join(errors))
+        self._dll, self.path = load_library(path)
         for name, (restype, argtypes) in EXPORTS.items():
             function = getattr(self._dll, name)
             function.restype = restype
