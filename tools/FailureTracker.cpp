@@ -49,7 +49,7 @@ private:
 
 }  // namespace
 
-Failure FailureTracker::Explain(int player, const PelmoraResult24& record) {
+Failure FailureTracker::Explain(int player, const PelmoraResult24& record, const std::vector<OperandPair>* operands) {
     PelmoraLib::Pelmora* engine = PelmoraLib::Pelmora::Get();
     PelmoraLib::IdentifyValues* pool = engine ? engine->GetIdentifyValue(player) : nullptr;
     PelmoraLib::GestureTable* table = engine ? engine->GetGestureTable(player) : nullptr;
@@ -59,8 +59,13 @@ Failure FailureTracker::Explain(int player, const PelmoraResult24& record) {
     TimesOfRecord times(*pool, record);
     for (size_t q = 0; q < segment->GetQualificationNum(); ++q) {
         const Qualification::Result result = segment->GetQualification(q)->Check();
-        if (result == Qualification::Failed || result == Qualification::Reset)
-            return Failure{static_cast<int>(q), result == Qualification::Reset};
+        if (result != Qualification::Failed && result != Qualification::Reset) continue;
+        Failure failure{static_cast<int>(q), result == Qualification::Reset};
+        if (operands && q < operands->size()) {
+            failure.left = (*operands)[q].left.Read();
+            failure.right = (*operands)[q].right.Read();
+        }
+        return failure;
     }
     return Failure{};
 }

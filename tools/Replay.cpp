@@ -41,15 +41,19 @@ bool SelectsAll(const std::vector<std::string>& names) {
     return names.empty() || (names.size() == 1 && names[0] == "all");
 }
 
-double Number(BaseValue* part) {
-    return part->GetType() == BaseValue::Int ? *part->GetValue().i : *part->GetValue().f;
+std::vector<std::vector<QualificationEntry>> Qualifications(const GestureEntry& gesture) {
+    std::vector<std::vector<QualificationEntry>> segments;
+    for (const SegmentEntry& segment : gesture.segments) segments.push_back(segment.qualifications);
+    return segments;
 }
 
-std::vector<std::vector<std::string>> Descriptions(const GestureEntry& gesture) {
-    std::vector<std::vector<std::string>> segments;
-    for (const SegmentEntry& segment : gesture.segments) {
+// What each qualification of the lane compares, read from the player's pool.
+std::vector<std::vector<OperandPair>> Operands(PelmoraLib::IdentifyValues& pool, const GestureLane& lane) {
+    std::vector<std::vector<OperandPair>> segments;
+    for (const std::vector<QualificationEntry>& segment : lane.qualifications) {
         segments.emplace_back();
-        for (const QualificationEntry& q : segment.qualifications) segments.back().push_back(q.Describe());
+        for (const QualificationEntry& q : segment)
+            segments.back().push_back({Operand::Named(pool, q.value1), Operand::Named(pool, q.value2)});
     }
     return segments;
 }
@@ -120,6 +124,7 @@ void Replay::PrepareTimeline(const std::string& configPath) {
     PelmoraLib::GestureTable* table = PelmoraLib::Pelmora::Get()->GetGestureTable(0);
     m_Timeline.config = configPath;
     for (size_t p = 0; p < m_Summary.players.size(); ++p) {
+        PelmoraLib::IdentifyValues& pool = *PelmoraLib::Pelmora::Get()->GetIdentifyValue(static_cast<int>(p));
         PlayerTimeline player;
         player.player = m_Summary.players[p].number;
         player.startMs = m_Summary.players[p].firstMs;
@@ -129,10 +134,11 @@ void Replay::PrepareTimeline(const std::string& configPath) {
             GestureLane lane;
             lane.name = m_GestureNames[g];
             lane.segmentCount = static_cast<uint32_t>(table->GetGesture(static_cast<size_t>(g))->GetSegmentSize());
-            if (g < document.gestures.size()) lane.qualifications = Descriptions(document.gestures[g]);
+            if (g < document.gestures.size()) lane.qualifications = Qualifications(document.gestures[g]);
             lane.buckets = player.buckets;
             lane.progress = SampledSeries(player.buckets);
             lane.progress.Add(player.startMs, 0.0);
+            m_Players[p].operands.push_back(Operands(pool, lane));
             player.lanes.push_back(lane);
         }
         for (const std::string& name : m_Options.plots) {
@@ -144,7 +150,7 @@ void Replay::PrepareTimeline(const std::string& configPath) {
 }
 
 // A value, or a component of a vector, that holds one number.
-BaseValue* Replay::PlotSource(int player, const std::string& name) const {
+Operand Replay::PlotSource(int player, const std::string& name) const {
     const std::string reference = name.rfind('@', 0) == 0 ? name : "@" + name;
     BaseValue::SubType sub = BaseValue::SubWhole;
     BaseValue* value = PelmoraLib::Pelmora::Get()->GetIdentifyValue(player)->GetValueFromString(reference.c_str(), sub, true);
@@ -156,7 +162,7 @@ BaseValue* Replay::PlotSource(int player, const std::string& name) const {
     }
     if (part->GetType() != BaseValue::Int && part->GetType() != BaseValue::Float)
         throw std::runtime_error("--plot " + name + ": not a number; name a component such as " + name + ".y");
-    return part;
+    return Operand(part);
 }
 
 void Replay::RunImmediate(RecordingReader& reader) {
@@ -287,7 +293,7 @@ void Replay::HandleRecord(int player, double timeMs, const PelmoraResult24& reco
         Emit(player, timeMs, gesture, EventKind::Advanced, segment);
         waitingIn = segment + 1;
     } else {
-        waitingIn = HandleFailure(player, record);
+        waitingIn = HandleFailure(player, timeMs, record);
         if (waitingIn == 0 && segment > 0) Emit(player, timeMs, gesture, EventKind::Reset, segment);
     }
     if (GestureLane* lane = Lane(player, gesture)) lane->progress.Add(timeMs, static_cast<double>(waitingIn));
@@ -295,13 +301,20 @@ void Replay::HandleRecord(int player, double timeMs, const PelmoraResult24& reco
 
 // The segment the gesture waits in after a failed check: the same one, or 0
 // when the failing qualification restarts the gesture.
-uint32_t Replay::HandleFailure(int player, const PelmoraResult24& record) {
+uint32_t Replay::HandleFailure(int player, double timeMs, const PelmoraResult24& record) {
+    const uint32_t gesture = static_cast<uint32_t>(record.gestureIndex);
     const uint32_t segment = static_cast<uint32_t>(record.segmentIndex);
-    GestureLane* lane = Lane(player, static_cast<uint32_t>(record.gestureIndex));
+    GestureLane* lane = Lane(player, gesture);
     if (segment == 0 && !lane) return 0;
-    const Failure failure = FailureTracker::Explain(player, record);
-    if (lane) lane->CountFailure(segment, failure.qualification);
+    const Failure failure = FailureTracker::Explain(player, record, SegmentOperands(player, gesture, segment));
+    if (lane) lane->CountFailure(segment, failure.qualification, timeMs, failure.left, failure.right);
     return failure.reset ? 0 : segment;
+}
+
+const std::vector<OperandPair>* Replay::SegmentOperands(int player, uint32_t gesture, uint32_t segment) const {
+    if (!m_Options.keepTimeline || gesture >= m_LaneOf.size() || m_LaneOf[gesture] < 0) return nullptr;
+    const std::vector<std::vector<OperandPair>>& segments = m_Players[player].operands[static_cast<size_t>(m_LaneOf[gesture])];
+    return segment < segments.size() ? &segments[segment] : nullptr;
 }
 
 void Replay::Emit(int player, double timeMs, uint32_t gesture, EventKind kind, uint32_t segment) {
@@ -326,7 +339,7 @@ GestureLane* Replay::Lane(int player, uint32_t gesture) {
 void Replay::SamplePlots(int player, double timeMs) {
     if (!m_Options.keepTimeline) return;
     std::vector<PlotSeries>& series = m_Timeline.players[player].plots;
-    for (size_t k = 0; k < series.size(); ++k) series[k].points.Add(timeMs, Number(m_Players[player].plots[k]));
+    for (size_t k = 0; k < series.size(); ++k) series[k].points.Add(timeMs, m_Players[player].plots[k].Read());
 }
 
 }  // namespace PelmoraTool

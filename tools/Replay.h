@@ -26,12 +26,9 @@
 
 #include "pelmora.h"
 #include "tools/GestureEvent.h"
+#include "tools/Operand.h"
 #include "tools/RecordingReader.h"
 #include "tools/Timeline.h"
-
-namespace PelmoraLib {
-class BaseValue;
-}
 
 namespace PelmoraTool {
 
@@ -61,14 +58,15 @@ private:
         std::string lastLabel;    // and its label
         bool fed = false;
         bool inPass = false;      // has a row in the worker's current pass
-        std::vector<PelmoraLib::BaseValue*> plots;
+        std::vector<Operand> plots;
+        std::vector<std::vector<std::vector<OperandPair>>> operands;  // by lane, segment, qualification
     };
 
     void ChooseGestures();
     uint32_t GestureNamed(const std::string& name) const;
     int PlayerIndex(long long player) const;
     void PrepareTimeline(const std::string& configPath);
-    PelmoraLib::BaseValue* PlotSource(int player, const std::string& name) const;
+    Operand PlotSource(int player, const std::string& name) const;
 
     void RunImmediate(RecordingReader& reader);
     void RunWorker(RecordingReader& reader);
@@ -81,7 +79,8 @@ private:
 
     void Deliver(int player, double timeMs, uint32_t count);
     void HandleRecord(int player, double timeMs, const PelmoraResult24& record);
-    uint32_t HandleFailure(int player, const PelmoraResult24& record);
+    uint32_t HandleFailure(int player, double timeMs, const PelmoraResult24& record);
+    const std::vector<OperandPair>* SegmentOperands(int player, uint32_t gesture, uint32_t segment) const;
     void Emit(int player, double timeMs, uint32_t gesture, EventKind kind, uint32_t segment);
     GestureLane* Lane(int player, uint32_t gesture);
     void SamplePlots(int player, double timeMs);

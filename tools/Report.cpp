@@ -15,6 +15,8 @@ namespace PelmoraTool {
 
 namespace {
 
+using PelmoraLib::Qualification;
+
 const double kWidth = 1100.0;
 const double kLeft = 170.0;   // room for lane titles
 const double kRight = 20.0;
@@ -44,6 +46,13 @@ std::string Escape(const std::string& text) {
 std::string Px(double value) {
     char buffer[32];
     snprintf(buffer, sizeof buffer, "%.1f", value);
+    return buffer;
+}
+
+// Four significant digits: enough to tell a near miss from its threshold.
+std::string Measured(double value) {
+    char buffer[32];
+    snprintf(buffer, sizeof buffer, "%.4g", value);
     return buffer;
 }
 
@@ -207,18 +216,58 @@ void WriteTimeline(std::ostream& out, const PlayerTimeline& player, size_t index
         << "<text class=\"cursor-time\" x=\"-10\" y=\"" << Px(kTop + 24) << "\"></text>\n</svg>\n";
 }
 
+// How a comparison reads with the followed operand on its left.
+struct ComparisonWords {
+    const char* symbol;
+    const char* nearest;  // the followed operand's nearest value
+    Qualification::QualificationEnum mirrored;  // the kind with the operands swapped
+};
+
+const ComparisonWords& WordsFor(Qualification::QualificationEnum kind) {
+    static const ComparisonWords words[] = {
+        {"=", "came closest at", Qualification::Equal},     {"!=", "", Qualification::NoEqual},
+        {"&gt;", "peaked at", Qualification::Less},         {"&lt;", "bottomed out at", Qualification::Greate},
+        {"&gt;=", "peaked at", Qualification::ELess},       {"&lt;=", "bottomed out at", Qualification::EGreate}};
+    return words[kind];
+}
+
+bool IsReference(const std::string& operand) { return operand.rfind('@', 0) == 0; }
+
+// A literal as written; a value by name, with what it held then.
+std::string Threshold(const std::string& operand, double value) {
+    if (!IsReference(operand)) return Escape(operand);
+    return Escape(operand.substr(1)) + " (" + Measured(value) + ")";
+}
+
+// "HandAboveHead peaked at 0.15 (1.2 s), needs &gt; 0.2". The followed
+// operand is the left one, unless only the right one names a value.
+std::string ApproachText(const WhyNot& why) {
+    const Qualification::QualificationEnum kind = Qualification::GetQualificationEnum(why.entry.kind.c_str());
+    if (!why.closest.Seen() || kind == Qualification::Error) return "<td>-</td>";
+    const QualificationEntry& q = why.entry;
+    const bool leftFollowed = IsReference(q.value1) || !IsReference(q.value2);
+    const std::string& followed = leftFollowed ? q.value1 : q.value2;
+    const ComparisonWords& words = WordsFor(leftFollowed ? kind : WordsFor(kind).mirrored);
+    const double value = leftFollowed ? why.closest.left : why.closest.right;
+    const double other = leftFollowed ? why.closest.right : why.closest.left;
+    return "<td>" + Escape(IsReference(followed) ? followed.substr(1) : followed) + " " + words.nearest + " " +
+           Measured(value) + " (" + Seconds(why.closest.timeMs) + "), needs " + words.symbol +
+           " " + Threshold(leftFollowed ? q.value2 : q.value1, other) + "</td>";
+}
+
 std::string WhyNotText(const WhyNot& why) {
-    if (!why.waited) return "<td>never waited</td><td>every check succeeded</td>";
+    if (!why.waited) return "<td>never waited</td><td>every check succeeded</td><td>-</td>";
     std::string text = "<td>segment " + std::to_string(why.segment) + " (" + std::to_string(why.waitingChecks) +
                        " failed checks)</td><td>";
-    if (why.qualification < 0) return text + "no single qualification</td>";
+    if (why.qualification < 0) return text + "no single qualification</td><td>-</td>";
     return text + "qualification " + std::to_string(why.qualification) + ": <code>" + Escape(why.description) +
-           "</code> (" + std::to_string(why.decidingChecks) + " of " + std::to_string(why.waitingChecks) + ")</td>";
+           "</code> (" + std::to_string(why.decidingChecks) + " of " + std::to_string(why.waitingChecks) + ")</td>" +
+           ApproachText(why);
 }
 
 void WriteWhyNot(std::ostream& out, const PlayerTimeline& player) {
     out << "<table class=\"why-not\">\n<tr><th>Gesture</th><th>Finishes</th><th>Waited longest in</th>"
-           "<th>Most often failing there</th></tr>\n";
+           "<th>Most often failing there</th><th>Nearest it came</th></tr>\n";
     for (const GestureLane& lane : player.lanes) {
         out << "<tr data-gesture=\"" << Escape(lane.name) << "\"><td>" << Escape(lane.name) << "</td><td>"
             << lane.Count(EventKind::Finished)

@@ -2,6 +2,32 @@
 
 namespace PelmoraTool {
 
+namespace {
+
+using PelmoraLib::Qualification;
+
+double Shortfall(Qualification::QualificationEnum kind, double left, double right) {
+    switch (kind) {
+        case Qualification::Greate:
+        case Qualification::EGreate: return right - left;
+        case Qualification::Less:
+        case Qualification::ELess: return left - right;
+        case Qualification::Equal: return std::fabs(left - right);
+        default: return std::nan("");
+    }
+}
+
+}  // namespace
+
+void Approach::Offer(Qualification::QualificationEnum kind, double at, double leftValue, double rightValue) {
+    const double by = Shortfall(kind, leftValue, rightValue);
+    if (!(by < shortfall)) return;
+    shortfall = by;
+    left = leftValue;
+    right = rightValue;
+    timeMs = at;
+}
+
 // A bucket holds at most one marker of each kind, so only the last two
 // markers can share the bucket of a new one.
 void GestureLane::Mark(double timeMs, EventKind kind, uint32_t segment) {
@@ -21,9 +47,19 @@ uint64_t GestureLane::Count(EventKind kind) const {
     return count;
 }
 
-void GestureLane::CountFailure(uint32_t segment, int qualification) {
+void GestureLane::CountFailure(uint32_t segment, int qualification, double timeMs, double left, double right) {
+    const QualificationKey key{segment, qualification};
     ++waiting[segment];
-    ++deciding[{segment, qualification}];
+    ++deciding[key];
+    if (const QualificationEntry* entry = Entry(key))
+        closest[key].Offer(Qualification::GetQualificationEnum(entry->kind.c_str()), timeMs, left, right);
+}
+
+const QualificationEntry* GestureLane::Entry(const QualificationKey& key) const {
+    const auto [segment, qualification] = key;
+    if (qualification < 0 || segment >= qualifications.size()) return nullptr;
+    if (static_cast<size_t>(qualification) >= qualifications[segment].size()) return nullptr;
+    return &qualifications[segment][static_cast<size_t>(qualification)];
 }
 
 WhyNot GestureLane::Explain() const {
@@ -40,9 +76,13 @@ WhyNot GestureLane::Explain() const {
         why.qualification = key.second;
         why.decidingChecks = checks;
     }
-    const bool described = why.qualification >= 0 && why.segment < qualifications.size() &&
-                           static_cast<size_t>(why.qualification) < qualifications[why.segment].size();
-    if (described) why.description = qualifications[why.segment][static_cast<size_t>(why.qualification)];
+    const QualificationKey key{why.segment, why.qualification};
+    if (const QualificationEntry* entry = Entry(key)) {
+        why.entry = *entry;
+        why.description = entry->Describe();
+    }
+    const auto approach = closest.find(key);
+    if (approach != closest.end()) why.closest = approach->second;
     return why;
 }
 
