@@ -2,57 +2,43 @@
 
 #include <sys/stat.h>
 
+#include <nlohmann/json.hpp>
+
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <map>
 #include <istream>
 #include <sstream>
 #include <stdexcept>
 
 #include "tools/Csv.h"
 #include "tools/CsvLineReader.h"
+#include "tools/LineCountingBuffer.h"
 #include "tools/Numbers.h"
+#include "tools/RecordingReader.h"
+#include "tools/SkeletonSource.h"
 
 namespace PelmoraTool {
 
 namespace {
 
-struct KinectJoint {
-    const char* name;
-    int32_t type;
-};
+using nlohmann::json;
 
-// The Kinect v1 joint order and where each joint lands in the library's
-// skeleton: the tracker's hip centre is the library's waist, its spine the
-// torso and its shoulder centre the neck.
-const KinectJoint kKinectJoints[] = {
-    {"HipCenter", PELMORA_JOINT_WAIST},           {"Spine", PELMORA_JOINT_TORSO},
-    {"ShoulderCenter", PELMORA_JOINT_NECK},       {"Head", PELMORA_JOINT_HEAD},
-    {"ShoulderLeft", PELMORA_JOINT_LEFT_SHOULDER}, {"ElbowLeft", PELMORA_JOINT_LEFT_ELBOW},
-    {"WristLeft", PELMORA_JOINT_LEFT_WRIST},       {"HandLeft", PELMORA_JOINT_LEFT_HAND},
-    {"ShoulderRight", PELMORA_JOINT_RIGHT_SHOULDER}, {"ElbowRight", PELMORA_JOINT_RIGHT_ELBOW},
-    {"WristRight", PELMORA_JOINT_RIGHT_WRIST},     {"HandRight", PELMORA_JOINT_RIGHT_HAND},
-    {"HipLeft", PELMORA_JOINT_LEFT_HIP},           {"KneeLeft", PELMORA_JOINT_LEFT_KNEE},
-    {"AnkleLeft", PELMORA_JOINT_LEFT_ANKLE},       {"FootLeft", PELMORA_JOINT_LEFT_FOOT},
-    {"HipRight", PELMORA_JOINT_RIGHT_HIP},         {"KneeRight", PELMORA_JOINT_RIGHT_KNEE},
-    {"AnkleRight", PELMORA_JOINT_RIGHT_ANKLE},     {"FootRight", PELMORA_JOINT_RIGHT_FOOT},
-};
-const size_t kKinectJointCount = sizeof kKinectJoints / sizeof kKinectJoints[0];
-const double kPrecogFrameMs = 1000.0 / 30.0;
+const double kThirtyPerSecondMs = 1000.0 / 30.0;
 
-int32_t KinectJointType(const std::string& name) {
-    for (const KinectJoint& joint : kKinectJoints) {
-        if (name == joint.name) return joint.type;
-    }
-    return 0;
-}
+// The Kinect v1 joints, in their export order, come from the skeleton
+// source table.
+const SkeletonSource& KinectV1() { return SkeletonSource::Named("kinect-v1"); }
 
-std::vector<int32_t> KinectOrder() {
-    std::vector<int32_t> types;
-    for (const KinectJoint& joint : kKinectJoints) types.push_back(joint.type);
-    return types;
+int32_t KinectJointType(const std::string& name) { return KinectV1().LibraryJointOf(name); }
+
+// The nominal time of frame `index` of a 30-per-second export without time
+// stamps; microsecond resolution keeps the 33.3 ms steps readable.
+double ThirtyPerSecondMs(size_t index) {
+    return std::round(static_cast<double>(index) * kThirtyPerSecondMs * 1000.0) / 1000.0;
 }
 
 float Coordinate(const std::string& text) { return Numbers::ReadFloat(text, "coordinate"); }
@@ -140,10 +126,82 @@ int32_t TripleJoint(const std::vector<std::string>& columns, size_t first) {
     return KinectJointType(name);
 }
 
+// ---- Skeleton sources (sources.json)
+
+// Players in the order their bodies first appear, as many as a replay takes.
+class BodyPlayers {
+public:
+    long long Of(long long body) {
+        const auto [found, added] = m_Players.try_emplace(body, static_cast<long long>(m_Players.size()));
+        if (added && m_Players.size() > RecordingReader::kMaxPlayers)
+            throw std::runtime_error("more than " + std::to_string(RecordingReader::kMaxPlayers) + " bodies, the most a replay takes");
+        return found->second;
+    }
+
+private:
+    std::map<long long, long long> m_Players;
+};
+
+const json& Member(const json& object, const char* key) {
+    if (!object.is_object()) throw std::runtime_error(std::string("expected an object holding \"") + key + "\"");
+    const auto found = object.find(key);
+    if (found == object.end()) throw std::runtime_error(std::string("\"") + key + "\" is missing");
+    return *found;
+}
+
+double NumberOf(const json& value, const std::string& what) {
+    if (!value.is_number()) throw std::runtime_error(what + " is not a number");
+    return value.get<double>();
+}
+
+long long IntegerOf(const json& value, const std::string& what) {
+    if (!value.is_number_integer()) throw std::runtime_error(what + " is not an integer");
+    return value.get<long long>();
+}
+
+// [[x, y, z], ...]; a fourth number (a landmark's visibility) is allowed.
+void ReadPoints(const json& array, const char* what, std::vector<SkeletonSource::Point>& points) {
+    if (!array.is_array()) throw std::runtime_error(std::string("\"") + what + "\" is not an array");
+    points.clear();
+    for (const json& point : array) {
+        const std::string name = std::string(what) + " " + std::to_string(points.size());
+        if (!point.is_array() || point.size() < 3 || point.size() > 4) throw std::runtime_error(name + " is not [x, y, z]");
+        points.push_back({NumberOf(point[0], name + " x"), NumberOf(point[1], name + " y"), NumberOf(point[2], name + " z")});
+    }
+}
+
+json ParseJsonLine(const std::string& line) {
+    try {
+        return json::parse(line);
+    } catch (const json::parse_error& error) {
+        throw std::runtime_error("not JSON (at byte " + std::to_string(error.byte) + ")");
+    }
+}
+
+// The words of the next line that is not blank, which must be `count` of
+// them; `what` names that line in an error.
+std::vector<std::string> NextWords(CsvLineReader& lines, size_t count, const std::string& what) {
+    std::string line;
+    while (lines.Next(line) && Numbers::IsBlank(line)) {
+    }
+    if (Numbers::IsBlank(line)) throw std::runtime_error("the file ends before " + what);
+    const std::vector<std::string> words = Words(line);
+    if (words.size() != count)
+        throw std::runtime_error(what + " needs " + std::to_string(count) + " fields, found " + std::to_string(words.size()));
+    return words;
+}
+
+size_t NextCount(CsvLineReader& lines, const std::string& what) {
+    const long long value = Numbers::ReadInteger(NextWords(lines, 1, what)[0], what);
+    if (value < 0) throw std::runtime_error(what + " is negative");
+    return static_cast<size_t>(value);
+}
+
 }  // namespace
 
 const std::vector<std::string>& Importers::Formats() {
-    static const std::vector<std::string> formats = {"precog", "timestamp-csv", "kinect-text"};
+    static const std::vector<std::string> formats = {"precog", "timestamp-csv", "kinect-text", "mediapipe-jsonl",
+                                                     "azure-kinect-json", "ntu-skeleton"};
     return formats;
 }
 
@@ -175,6 +233,9 @@ void Importers::Import(const std::string& format, std::istream& in, RecordingWri
     if (format == "precog") return FromPrecog(in, out);
     if (format == "timestamp-csv") return FromTimestampCsv(in, out);
     if (format == "kinect-text") return FromKinectText(in, out);
+    if (format == "mediapipe-jsonl") return FromMediapipeJsonl(in, out);
+    if (format == "azure-kinect-json") return FromAzureKinectJson(in, out);
+    if (format == "ntu-skeleton") return FromNtuSkeleton(in, out);
     throw std::runtime_error("unknown format \"" + format + "\"");
 }
 
@@ -188,8 +249,7 @@ void Importers::FromPrecog(std::istream& in, RecordingWriter& out) {
         Csv::Split(line, fields, ';');
         if (fields.size() != joints + 1)
             throw std::runtime_error("expected " + std::to_string(joints + 1) + " fields, found " + std::to_string(fields.size()));
-        // Microsecond resolution keeps the nominal 33.3 ms steps readable.
-        frame.timeMs = std::round(static_cast<double>(out.Frames()) * kPrecogFrameMs * 1000.0) / 1000.0;
+        frame.timeMs = ThirtyPerSecondMs(out.Frames());
         frame.joints.clear();
         for (size_t slot = 0; slot < joints; ++slot) frame.joints.push_back(PrecogJoint(fields[slot]));
         frame.label = PrecogLabel(fields.back());
@@ -222,8 +282,8 @@ void Importers::FromTimestampCsv(std::istream& in, RecordingWriter& out) {
 
 void Importers::FromKinectText(std::istream& in, RecordingWriter& out) {
     CsvLineReader lines(in);
-    BeginWithHeader(out, KinectOrder(), false);
-    const size_t fieldCount = 1 + 4 * kKinectJointCount;
+    BeginWithHeader(out, KinectV1().LibraryJoints(), false);
+    const size_t fieldCount = 1 + 4 * KinectV1().Joints().size();
     RecordedFrame frame;
     ForEachLine(lines, [&](const std::string& line) {
         const std::vector<std::string> words = Words(line);
@@ -239,6 +299,106 @@ void Importers::FromKinectText(std::istream& in, RecordingWriter& out) {
         }
         if (tracked) out.Write(frame);
     });
+}
+
+void Importers::FromMediapipeJsonl(std::istream& in, RecordingWriter& out) {
+    const SkeletonSource& source = SkeletonSource::Named("mediapipe-pose");
+    CsvLineReader lines(in);
+    out.Begin(source.LibraryJoints(), false);
+    RecordedFrame frame;
+    std::vector<SkeletonSource::Point> landmarks;
+    ForEachLine(lines, [&](const std::string& line) {
+        const json object = ParseJsonLine(line);
+        frame.timeMs = NumberOf(Member(object, "time_ms"), "time_ms");
+        ReadPoints(Member(object, "landmarks"), "landmark", landmarks);
+        const auto mirrored = object.find("mirrored");
+        if (mirrored != object.end() && !mirrored->is_boolean()) throw std::runtime_error("\"mirrored\" is not true or false");
+        source.Convert(landmarks, mirrored != object.end() && mirrored->get<bool>(), frame.joints);
+        out.Write(frame);
+    });
+}
+
+// The body tracking SDK's offline processor writes one JSON document:
+// {"frames": [{"timestamp_usec": T, "bodies": [{"body_id": N,
+// "joint_positions": [[x, y, z], ...]}, ...]}, ...], "joint_names": [...], ...}.
+// The parser hands over each frame as it closes and then forgets it, so
+// memory holds one frame, whatever the length of the recording.
+void Importers::FromAzureKinectJson(std::istream& in, RecordingWriter& out) {
+    const SkeletonSource& source = SkeletonSource::Named("azure-kinect");
+    out.Begin(source.LibraryJoints(), false);
+    LineCountingBuffer counted(in.rdbuf());
+    std::istream text(&counted);
+    BodyPlayers players;
+    RecordedFrame frame;
+    std::vector<SkeletonSource::Point> joints;
+    const auto writeFrame = [&](const json& object) {
+        frame.timeMs = NumberOf(Member(object, "timestamp_usec"), "timestamp_usec") / 1000.0;
+        const json& bodies = Member(object, "bodies");
+        if (!bodies.is_array()) throw std::runtime_error("\"bodies\" is not an array");
+        for (const json& body : bodies) {
+            frame.player = players.Of(IntegerOf(Member(body, "body_id"), "body_id"));
+            ReadPoints(Member(body, "joint_positions"), "joint", joints);
+            source.Convert(joints, false, frame.joints);
+            out.Write(frame);
+        }
+    };
+    std::string member;  // the top-level member being read
+    const json::parser_callback_t read = [&](int depth, json::parse_event_t event, json& parsed) {
+        using Event = json::parse_event_t;
+        if (depth == 1 && event == Event::key) member = parsed.get<std::string>();
+        if (depth == 1 && event == Event::array_end && member == "joint_names" && parsed != json(source.Joints()))
+            throw std::runtime_error("joint_names are not the " + std::to_string(source.Joints().size()) + " joints " +
+                                     source.Name() + " reads");
+        if (depth != 2 || event == Event::object_start || event == Event::array_start || event == Event::key) return true;
+        if (member != "frames") return member == "joint_names";
+        if (event != Event::object_end) throw std::runtime_error("a frame is not a JSON object");
+        writeFrame(parsed);
+        return false;
+    };
+    try {
+        [[maybe_unused]] const json emptied = json::parse(text, read);
+    } catch (const json::parse_error&) {
+        throw std::runtime_error("line " + std::to_string(counted.Line()) + ": not JSON");
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error("line " + std::to_string(counted.Line()) + ": " + error.what());
+    }
+}
+
+// The NTU RGB+D ".skeleton" text: the frame count, then per frame the body
+// count and per body a line of 10 fields (the body id first), the joint
+// count (25) and one line of 12 fields per joint (x y z first). Frames are
+// 30 per second.
+void Importers::FromNtuSkeleton(std::istream& in, RecordingWriter& out) {
+    const SkeletonSource& source = SkeletonSource::Named("kinect-v2");
+    CsvLineReader lines(in);
+    out.Begin(source.LibraryJoints(), false);
+    BodyPlayers players;
+    RecordedFrame frame;
+    std::vector<SkeletonSource::Point> joints;
+    try {
+        const size_t frames = NextCount(lines, "the frame count");
+        for (size_t index = 0; index < frames; ++index) {
+            frame.timeMs = ThirtyPerSecondMs(index);
+            for (size_t bodies = NextCount(lines, "the body count"); bodies > 0; --bodies) {
+                frame.player = players.Of(Numbers::ReadInteger(NextWords(lines, 10, "a body")[0], "the body id"));
+                const size_t count = NextCount(lines, "the joint count");
+                if (count != source.Joints().size())
+                    throw std::runtime_error("expected " + std::to_string(source.Joints().size()) + " joints, found " + std::to_string(count));
+                joints.clear();
+                while (joints.size() < count) {
+                    const std::vector<std::string> words = NextWords(lines, 12, "a joint");
+                    joints.push_back({Coordinate(words[0]), Coordinate(words[1]), Coordinate(words[2])});
+                }
+                source.Convert(joints, false, frame.joints);
+                out.Write(frame);
+            }
+        }
+        for (std::string line; lines.Next(line);) {
+            if (!Numbers::IsBlank(line)) throw std::runtime_error("more than the " + std::to_string(frames) + " frames the first line counts");
+        }
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error("line " + std::to_string(lines.Number()) + ": " + error.what());
+    }
 }
 
 }  // namespace PelmoraTool

@@ -74,7 +74,7 @@ void AddEvaluate(CLI::App& app, EvaluateArguments& args) {
 
 void AddImport(CLI::App& app, ImportArguments& args) {
     CLI::App* import = app.add_subcommand("import", "Convert a skeleton export into the native recording format");
-    import->add_option("FORMAT", args.format, "precog, timestamp-csv or kinect-text")->required()->check(CLI::IsMember(Importers::Formats()));
+    import->add_option("FORMAT", args.format, "precog, timestamp-csv, kinect-text, mediapipe-jsonl, azure-kinect-json or ntu-skeleton")->required()->check(CLI::IsMember(Importers::Formats()));
     import->add_option("INPUT", args.input, "File to convert")->required()->check(CLI::ExistingFile);
     import->add_option("OUTPUT", args.output, "Native recording to write")->required();
 }
