@@ -1,11 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 
 #include "tools/Importers.h"
 #include "tools/RecordingReader.h"
+#include "tools/SkeletonSource.h"
 
 using namespace PelmoraTool;
 
@@ -98,4 +103,86 @@ TEST(ImportersTest, NameTheLineAndTheFault) {
               "line 1: no <Joint>X,<Joint>Y,<Joint>Z columns");
     EXPECT_EQ(ImportError("timestamp-csv", "Timestamp,HeadX,HeadY,HeadZ\n\n5,1,2\n"), "line 3: expected at least 4 fields");
     EXPECT_EQ(ImportError("kinect-text", "\n1 2 3\n"), "line 2: expected 81 fields, found 3");
+}
+
+namespace {
+
+using nlohmann::json;
+
+json SourceFrames() {
+    std::ifstream in(std::string(PELMORA_SOURCE_DATA) + "/frames.json");
+    return json::parse(in);
+}
+
+// The case's frame, in its source's joint order.
+std::vector<SkeletonSource::Point> CaseFrame(const SkeletonSource& source, const json& test) {
+    std::vector<SkeletonSource::Point> frame;
+    for (const std::string& joint : source.Joints()) {
+        const json& point = test.contains("joints") && test["joints"].contains(joint) ? test["joints"][joint] : test["others"];
+        frame.push_back(point.get<SkeletonSource::Point>());
+        if (test.value("nan", "") == joint) frame.back()[0] = std::nan("");
+    }
+    frame.resize(test.value("count", frame.size()));
+    return frame;
+}
+
+}  // namespace
+
+TEST(ImportersTest, SourcesTurnHandWrittenFramesIntoTheLibraryJointsTheyHold) {
+    const json cases = SourceFrames();
+    ASSERT_FALSE(cases["frames"].empty());
+    for (const json& test : cases["frames"]) {
+        const SkeletonSource& source = SkeletonSource::Named(test["source"]);
+        std::vector<Point3> library;
+        source.Convert(CaseFrame(source, test), test.value("mirrored", false), library);
+        for (const auto& [joint, expected] : test["expected"].items()) {
+            const size_t slot = std::find(source.LibraryJoints().begin(), source.LibraryJoints().end(), Recording::JointType(joint)) -
+                                source.LibraryJoints().begin();
+            ASSERT_LT(slot, library.size()) << joint;
+            for (size_t axis = 0; axis < 3; ++axis)
+                EXPECT_NEAR(XYZ(library[slot])[axis], expected[axis].get<double>(), 1e-6) << test["source"] << " " << joint;
+        }
+    }
+    for (const json& test : cases["bad"]) {
+        const SkeletonSource& source = SkeletonSource::Named(test["source"]);
+        std::vector<Point3> library;
+        EXPECT_THROW(
+            try { source.Convert(CaseFrame(source, test), false, library); } catch (const std::runtime_error& error) {
+                EXPECT_EQ(error.what(), test["error"].get<std::string>());
+                throw;
+            },
+            std::runtime_error);
+    }
+}
+
+// azure.json: two frames, the second with bodies 7 and 3; ntu.skeleton: two
+// frames, the second with a second body.
+TEST(ImportersTest, SourceFormsTurnEachBodyIntoAPlayerInTheOrderTheyAppear) {
+    for (const char* form : {"azure-kinect-json:azure.json", "ntu-skeleton:ntu.skeleton"}) {
+        const std::string name(form);
+        const Imported recording = ImportFile(name.substr(0, name.find(':')), name.substr(name.find(':') + 1));
+        ASSERT_EQ(recording.frames.size(), 3u) << form;
+        EXPECT_EQ(recording.frames[2].timeMs, 33.333) << form;
+        EXPECT_EQ((std::vector<long long>{recording.frames[0].player, recording.frames[1].player, recording.frames[2].player}),
+                  (std::vector<long long>{0, 0, 1})) << form;
+        EXPECT_EQ(recording.joints, SkeletonSource::Named(name.find("azure") == 0 ? "azure-kinect" : "kinect-v2").LibraryJoints());
+    }
+    // mediapipe.jsonl: one frame twice, the second marked mirrored.
+    const Imported landmarks = ImportFile("mediapipe-jsonl", "mediapipe.jsonl");
+    EXPECT_EQ(landmarks.frames[1].joints[0].x, -landmarks.frames[0].joints[0].x);
+}
+
+TEST(ImportersTest, SourceFormsNameTheLineOfABadFrame) {
+    EXPECT_EQ(ImportError("mediapipe-jsonl", "\n{\"time_ms\": 0, \"landmarks\": [[0, 0, 0]]}\n"), "line 2: expected 33 joints, found 1");
+    EXPECT_EQ(ImportError("mediapipe-jsonl", "{\"time_ms\": 0, \"landmarks\": [[NaN, 0, 0]]}"), "line 1: not JSON (at byte 31)");
+    EXPECT_EQ(ImportError("mediapipe-jsonl", "{\"landmarks\": []}"), "line 1: \"time_ms\" is missing");
+    EXPECT_EQ(ImportError("mediapipe-jsonl", "{\"time_ms\": 0, \"landmarks\": [[0, 0]]}"), "line 1: landmark 0 is not [x, y, z]");
+    EXPECT_EQ(ImportError("azure-kinect-json", "{\"frames\": [\n{\"timestamp_usec\": 0,\n \"bodies\": [{\"body_id\": 1,\n"
+                                               "\"joint_positions\": [[0, 0, 0]]}]}]}"),
+              "line 4: expected 32 joints, found 1");
+    EXPECT_EQ(ImportError("azure-kinect-json", "{\"frames\": [\n{]}"), "line 2: not JSON");
+    EXPECT_EQ(ImportError("azure-kinect-json", "{\"frames\": [3]}"), "line 1: a frame is not a JSON object");
+    EXPECT_EQ(ImportError("ntu-skeleton", "1\n1\n1 0 0 0 0 0 0 0 0 2\n24\n"), "line 4: expected 25 joints, found 24");
+    EXPECT_EQ(ImportError("ntu-skeleton", "1\n1\n1 0 0 0 0 0 0 0 0 2\n25\n0 0 1\n"), "line 5: a joint needs 12 fields, found 3");
+    EXPECT_EQ(ImportError("ntu-skeleton", "1\n0\n0\n"), "line 3: more than the 1 frames the first line counts");
 }
