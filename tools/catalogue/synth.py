@@ -97,6 +97,9 @@ def gestures():
                          + [(0.6, REST)],
         "SwipeLeft": [(0.5, arms(right=swipe_from)), (0.3, arms(right=swipe_from)), (0.35, arms(right=swipe_to)),
                       (0.6, REST)],
+        # People sweep back to the right with the right hand too.
+        "SwipeRight": [(0.5, arms(right=swipe_to)), (0.3, arms(right=swipe_to)), (0.35, arms(right=swipe_from)),
+                       (0.6, REST)],
         "PushRight": [(0.5, arms(right=push_from)), (0.3, arms(right=push_from)), (0.35, arms(right=out_arm)),
                       (0.6, REST)],
         "RightPunch": [(0.5, arms(GUARD, mirrored(GUARD))), (0.3, arms(GUARD, mirrored(GUARD))),
@@ -112,8 +115,8 @@ def gestures():
         "Stop": [(0.6, arms(right=stop)), (1.4, arms(right=stop)), (0.6, REST)],
     }
     # The left-handed gestures mirror their right-handed twins.
-    swaps = {"RaiseRightHand": "RaiseLeftHand", "WaveRightHand": "WaveLeftHand", "SwipeLeft": "SwipeRight",
-             "RightPunch": "LeftPunch", "FrontRightKick": "FrontLeftKick", "SideRightKick": "SideLeftKick"}
+    swaps = {"RaiseRightHand": "RaiseLeftHand", "WaveRightHand": "WaveLeftHand", "RightPunch": "LeftPunch",
+             "FrontRightKick": "FrontLeftKick", "SideRightKick": "SideLeftKick"}
     for right, left in swaps.items():
         table[left] = [(seconds, mirror_pose(p)) for seconds, p in table[right]]
     return table
@@ -226,29 +229,36 @@ def write(path, body, frames):
 BODIES = {"child": 1.0, "teen": 1.35, "adult": 1.55, "tall": 1.75}
 
 
+def render(path, table, height, distance, speed, flip, seed):
+    """One recording: every gesture of the table once, in a shuffled order
+    between idle pauses, then walks toward the sensor and across it. The seed
+    alone fixes the person's place, the order, the pauses and the noise, so
+    the same seed with and without `flip` gives mirror-image twins."""
+    rng = random.Random(seed)
+    noise = 0.004 if distance < 3 else 0.012
+    body = Body(height, distance, rng.uniform(-0.4, 0.4), noise, flip, rng)
+    order = sorted(table)
+    rng.shuffle(order)
+    script = [("", 1.5)]
+    for name in order:
+        script += [(name, name), ("", rng.uniform(0.8, 1.6))]
+    script += [("walk-toward", "Walk"), ("", 1.0), ("walk-across", "Walk"), ("", 1.0)]
+    write(path, body, timeline(script, table, speed, rng))
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("output", help="folder for the recordings")
     parser.add_argument("--seed", type=int, default=7)
     args = parser.parse_args()
-    rng = random.Random(args.seed)
     table = gestures()
-    names = sorted(table)
     count = 0
     for body_name, height in BODIES.items():
         for distance in (2.0, 4.0):
             for speed in (0.8, 1.25):
                 flip = count % 2 == 1
-                noise = 0.004 if distance < 3 else 0.012
-                body = Body(height, distance, rng.uniform(-0.4, 0.4), noise, flip, rng)
-                order = names[:]
-                rng.shuffle(order)
-                script = [("", 1.5)]
-                for name in order:
-                    script += [(name, name), ("", rng.uniform(0.8, 1.6))]
-                script += [("walk-toward", "Walk"), ("", 1.0), ("walk-across", "Walk"), ("", 1.0)]
                 tag = f"{body_name}-{distance:.0f}m-speed{speed}{'-mirrored' if flip else ''}"
-                write(f"{args.output}/synth-{tag}.csv", body, timeline(script, table, speed, rng))
+                render(f"{args.output}/synth-{tag}.csv", table, height, distance, speed, flip, args.seed * 1000 + count)
                 count += 1
     print(f"wrote {count} recordings to {args.output}")
 
