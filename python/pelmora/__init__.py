@@ -5,6 +5,7 @@ joint frames when numpy is installed).
     Library     every export of pelmora.h, typed, under its C name
     Session     InitPelmora ... ClosePelmora as a context manager
     replay      a recording through a configuration, as `pelmora replay`
+    sources     frames of today's skeleton trackers turned into the library's
 
 `pelmora.__version__` is the version of the library the package loads
 (PelmoraVersion), so reading it finds and loads the library.
@@ -18,6 +19,7 @@ from .output import capture_library_output, flush_library_output, library_output
 from .recording import Frame, Recording, RecordingStream, format_ms, read_recording
 from .replay import Finish, replay, ticks
 from .session import ManualClock, Result, Session
+from . import sources
 
 __all__ = [
     "EXPORTS", "JOINT_NAMES", "JOINTS", "MAX_HISTORY_POINTS", "MAX_JOINTS", "MAX_NAME_LENGTH", "MAX_PLAYERS",
@@ -26,7 +28,7 @@ __all__ = [
     "PelmoraResult8", "PelmoraResult16", "PelmoraResult24", "Point3", "point_array",
     "capture_library_output", "flush_library_output", "library_output_to",
     "Frame", "Recording", "RecordingStream", "format_ms", "read_recording", "Finish", "replay", "ticks",
-    "ManualClock", "PelmoraError", "Result", "Session",
+    "ManualClock", "PelmoraError", "Result", "Session", "sources",
 ]
 
 
