@@ -1,30 +1,20 @@
 // Evaluate - `pelmora evaluate`: replays labelled recordings through a
 // configuration and scores each gesture's finished events against the
 // labelled performances (tools/Matching.h gives the rule), per gesture and
-// per subject, as text or JSON. Recordings are replayed by one worker process
-// per core: the library is one instance per process.
+// per subject, as text or JSON, and the figures and tables `pelmora tune`
+// prints too. Recordings are replayed by one worker process per core.
 // Not thread-safe: Run forks, so call it from a single-threaded process.
 #pragma once
+
+#include <nlohmann/json.hpp>
 
 #include <iosfwd>
 #include <string>
 #include <vector>
 
-#include "tools/Labels.h"
-#include "tools/Matching.h"
+#include "tools/LabelledSet.h"
 
 namespace PelmoraTool {
-
-struct EvaluateOptions {
-    std::string config;
-    std::vector<std::string> data;  // recordings, or folders of *.csv recordings
-    std::string map;                // label map (tools/Labels.h)
-    std::string manifest;           // optional; needed for whole-file labels
-    LabelForm form = LabelForm::Runs;
-    MatchWindow window;
-    unsigned jobs = 0;              // 0: one per core
-    bool json = false;
-};
 
 // One row of the result: a target (gesture, or alternatives "A|B") and its tally.
 struct GestureScore {
@@ -40,8 +30,17 @@ public:
     // "500" (both sides) or "300:800" (before:after), in milliseconds.
     static MatchWindow ParseWindow(const std::string& text);
 
-    // The printed table of one group of rows.
+    // The printed table of one group of rows, and the same as JSON.
     static void PrintTable(const std::vector<GestureScore>& rows, std::ostream& out);
+    static nlohmann::ordered_json RowsJson(const std::vector<GestureScore>& rows);
+
+    // A tally as a worker sends it.
+    static nlohmann::ordered_json TallyJson(const Tally& tally);
+    static Tally TallyFromJson(const nlohmann::ordered_json& row);
+
+    // F1 (0 without performances or hits) and the median latency (0 without hits).
+    static double F1(const Tally& tally);
+    static double MedianLatency(const Tally& tally);
 };
 
 }  // namespace PelmoraTool
