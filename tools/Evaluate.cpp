@@ -92,7 +92,9 @@ double MacroF1(const std::vector<GestureScore>& rows, size_t& counted) {
     return counted ? sum / static_cast<double>(counted) : 0.0;
 }
 
-json RowJson(const GestureScore& row) {
+}  // namespace
+
+json Evaluate::RowJson(const GestureScore& row) {
     const Tally& t = row.tally;
     const Figures f = FiguresOf(t);
     const bool hits = !t.latenciesMs.empty();
@@ -109,15 +111,17 @@ json RowJson(const GestureScore& row) {
                             {"p90", hits ? json(Percentile(t.latenciesMs, 0.9)) : json()}}}};
 }
 
-}  // namespace
+namespace {
 
-json Evaluate::RowsJson(const std::vector<GestureScore>& rows) {
+json RowsJson(const std::vector<GestureScore>& rows) {
     json list = json::array();
     for (const GestureScore& row : rows) {
-        if (Shown(row)) list.push_back(RowJson(row));
+        if (Shown(row)) list.push_back(Evaluate::RowJson(row));
     }
     return list;
 }
+
+}  // namespace
 
 json Evaluate::TallyJson(const Tally& t) { return {t.performances, t.hits, t.falseDetections, t.latenciesMs}; }
 
@@ -174,21 +178,27 @@ int Evaluate::Run(const EvaluateOptions& options, std::ostream& out) {
         auto subject = bySubject.emplace(set.recordings[i].subject, Rows(set)).first;
         AddTallies(subject->second, results[i]);
     }
+    Print(total, bySubject, set.recordings.size(), options, out);
+    return 0;
+}
+
+void Evaluate::Print(const std::vector<GestureScore>& total, const std::map<std::string, std::vector<GestureScore>>& bySubject,
+                     size_t recordings, const EvaluateOptions& options, std::ostream& out) {
     size_t counted = 0;
     const double macro = MacroF1(total, counted);
     if (options.json) {
         json subjects = json::object();
         for (const auto& [subject, rows] : bySubject) subjects[subject] = RowsJson(rows);
-        out << json{{"recordings", set.recordings.size()},
+        out << json{{"recordings", recordings},
                     {"window_ms", {{"before", options.window.beforeMs}, {"after", options.window.afterMs}}},
                     {"gestures", RowsJson(total)},
                     {"macro_f1", counted ? json(macro) : json()},
                     {"subjects", subjects}}
                    .dump(1)
             << '\n';
-        return 0;
+        return;
     }
-    out << set.recordings.size() << " recordings, " << bySubject.size() << " subjects; window " << Numbers::Format(options.window.beforeMs)
+    out << recordings << " recordings, " << bySubject.size() << " subjects; window " << Numbers::Format(options.window.beforeMs)
         << " ms before, " << Numbers::Format(options.window.afterMs) << " ms after\n";
     PrintTable(total, out);
     char line[96];
@@ -199,7 +209,6 @@ int Evaluate::Run(const EvaluateOptions& options, std::ostream& out) {
         out << "\nsubject " << subject << '\n';
         PrintTable(rows, out);
     }
-    return 0;
 }
 
 }  // namespace PelmoraTool

@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include <iosfwd>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -30,9 +31,15 @@ public:
     // "500" (both sides) or "300:800" (before:after), in milliseconds.
     static MatchWindow ParseWindow(const std::string& text);
 
-    // The printed table of one group of rows, and the same as JSON.
+    // The figures of all recordings and of each subject, as text or JSON
+    // (options.json), headed by the recordings' count and the window.
+    static void Print(const std::vector<GestureScore>& total,
+                      const std::map<std::string, std::vector<GestureScore>>& bySubject, size_t recordings,
+                      const EvaluateOptions& options, std::ostream& out);
+
+    // The printed table of one group of rows, and one row as JSON.
     static void PrintTable(const std::vector<GestureScore>& rows, std::ostream& out);
-    static nlohmann::ordered_json RowsJson(const std::vector<GestureScore>& rows);
+    static nlohmann::ordered_json RowJson(const GestureScore& row);
 
     // A tally as a worker sends it.
     static nlohmann::ordered_json TallyJson(const Tally& tally);

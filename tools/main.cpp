@@ -1,6 +1,6 @@
 // pelmora - the command-line companion of libPelmora64: replays recordings
-// through the library, scores gestures on labelled recordings, checks
-// configurations and imports skeleton exports.
+// through the library, scores gestures on labelled recordings and fits their
+// constants to them, checks configurations and imports skeleton exports.
 // The library prints its diagnostics on standard output; the tool points
 // that at standard error and keeps the real standard output for its own
 // lines, so `--format jsonl` output is JSON Lines and nothing else.
@@ -21,6 +21,7 @@
 #include "tools/Replay.h"
 #include "tools/Report.h"
 #include "tools/StdoutRedirect.h"
+#include "tools/Tune.h"
 
 using namespace PelmoraTool;
 
@@ -34,6 +35,12 @@ struct ReplayArguments {
 struct EvaluateArguments {
     std::string labels = "runs", window = "1000", format = "text";
     EvaluateOptions options;
+};
+
+struct TuneArguments {
+    EvaluateArguments data;
+    std::string bounds = "0.5:2", loso = "yes";
+    TuneOptions options;
 };
 
 struct ImportArguments {
@@ -60,8 +67,8 @@ void AddReplay(CLI::App& app, ReplayArguments& args) {
         ->allow_extra_args(false);
 }
 
-void AddEvaluate(CLI::App& app, EvaluateArguments& args) {
-    CLI::App* evaluate = app.add_subcommand("evaluate", "Score a configuration's gestures on labelled recordings");
+// The options of the commands that score labelled recordings.
+void AddLabelledData(CLI::App* evaluate, EvaluateArguments& args) {
     evaluate->add_option("CONFIG", args.options.config, "Configuration document (XML)")->required()->check(CLI::ExistingFile);
     evaluate->add_option("DATA", args.options.data, "Recordings, or folders of them")->required()->check(CLI::ExistingPath);
     evaluate->add_option("--map", args.options.map, "Label map: LABEL GESTURE|A|B|none|- per line")->required()->check(CLI::ExistingFile);
@@ -70,6 +77,22 @@ void AddEvaluate(CLI::App& app, EvaluateArguments& args) {
     evaluate->add_option("--window", args.window, "Matching window in ms: MS or BEFORE:AFTER (default 1000)");
     evaluate->add_option("--jobs", args.options.jobs, "Worker processes (default: one per core)");
     evaluate->add_option("--format", args.format, "text (default) or json")->check(CLI::IsMember({"text", "json"}));
+}
+
+void AddEvaluate(CLI::App& app, EvaluateArguments& args) {
+    AddLabelledData(app.add_subcommand("evaluate", "Score a configuration's gestures on labelled recordings"), args);
+}
+
+void AddTune(CLI::App& app, TuneArguments& args) {
+    CLI::App* tune = app.add_subcommand("tune", "Fit gestures' constants to labelled recordings");
+    AddLabelledData(tune, args.data);
+    tune->add_option("--gestures", args.options.gestures, "Gestures to tune, A,B (in this order)")->required()->delimiter(',');
+    tune->add_option("--bounds", args.bounds, "Search each constant within LOW:HIGH times its value (default 0.5:2)");
+    tune->add_option("--range", args.options.ranges, "ROW:ATTRIBUTE=MIN:MAX for one constant; repeatable")->allow_extra_args(false);
+    tune->add_option("--passes", args.options.passes, "Most replays of the data per gesture (default 8)")->check(CLI::PositiveNumber);
+    tune->add_option("--loso", args.loso, "Leave-one-subject-out figures: yes (default), no or only")
+        ->check(CLI::IsMember({"yes", "no", "only"}));
+    tune->add_option("--output", args.options.output, "Write the tuned configuration here")->check(NonEmpty());
 }
 
 void AddImport(CLI::App& app, ImportArguments& args) {
@@ -113,11 +136,20 @@ int RunReplay(ReplayArguments& args, std::ostream& out) {
     return 0;
 }
 
-int RunEvaluate(EvaluateArguments& args, std::ostream& out) {
+EvaluateOptions& LabelledDataOptions(EvaluateArguments& args) {
     args.options.form = args.labels == "points" ? LabelForm::Points : args.labels == "file" ? LabelForm::File : LabelForm::Runs;
     args.options.window = Evaluate::ParseWindow(args.window);
     args.options.json = args.format == "json";
-    return Evaluate::Run(args.options, out);
+    return args.options;
+}
+
+int RunEvaluate(EvaluateArguments& args, std::ostream& out) { return Evaluate::Run(LabelledDataOptions(args), out); }
+
+int RunTune(TuneArguments& args, std::ostream& out) {
+    args.options.data = LabelledDataOptions(args.data);
+    Tune::ParseBounds(args.bounds, args.options);
+    args.options.loso = args.loso == "no" ? LosoMode::No : args.loso == "only" ? LosoMode::Only : LosoMode::Yes;
+    return Tune::Run(args.options, out);
 }
 
 int RunImport(const ImportArguments& args, std::ostream& out) {
@@ -151,10 +183,12 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     ReplayArguments replayArgs;
     EvaluateArguments evaluateArgs;
+    TuneArguments tuneArgs;
     ImportArguments importArgs;
     std::string checkPath;
     AddReplay(app, replayArgs);
     AddEvaluate(app, evaluateArgs);
+    AddTune(app, tuneArgs);
     AddImport(app, importArgs);
     app.add_subcommand("check", "Load and compile a configuration and report every problem")
         ->add_option("CONFIG", checkPath, "Configuration document (XML)")
@@ -175,6 +209,7 @@ int main(int argc, char** argv) {
         if (app.got_subcommand("replay")) return RunReplay(replayArgs, out);
         if (app.got_subcommand("import")) return RunImport(importArgs, out);
         if (app.got_subcommand("evaluate")) return RunEvaluate(evaluateArgs, out);
+        if (app.got_subcommand("tune")) return RunTune(tuneArgs, out);
         return ConfigCheck::Run(checkPath, out);
     } catch (const std::exception& error) {
         out.flush();

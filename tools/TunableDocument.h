@@ -1,0 +1,72 @@
+// TunableDocument - a configuration's text and the numeric constants of some
+// of its gestures' qualifications, located in that text, so that new values
+// are written over the old ones and nothing else of the file changes
+// (comments, layout, quoting). It also writes a gesture's clones: copies of
+// its element, each under its own name and with its own constants, placed
+// right after it, so that one replay evaluates many candidates.
+// A constant is an operand that is a number rather than a reference: an
+// integer (no dot; it stays an integer) or a float (with a dot). Equal and
+// NoEqual are left alone: moving an equality's constant finds nothing.
+// Read-only after Load: safe to share between threads.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/ConfigDocument.h"
+
+namespace PelmoraTool {
+
+struct TunableConstant {
+    size_t gesture = 0;     // index into TunableDocument::gestures
+    XmlPlace place;         // the Qualification element
+    std::string attribute;  // "value1" or "value2"
+    std::string text;       // as the document writes it
+    double value = 0.0;
+    bool integer = false;
+    size_t offset = 0;      // of the text in the document
+
+    // "648:value2": the document's line and the attribute.
+    std::string Label() const;
+};
+
+class TunableDocument {
+public:
+    // Throws std::runtime_error naming the file for an unknown gesture, a
+    // gesture named twice or declared twice, and a gesture without a
+    // constant to tune.
+    static TunableDocument Load(const std::string& path, const std::vector<std::string>& gestures);
+
+    // The document with every constant written as `texts` gives (one per
+    // constant, in the order of `constants`).
+    std::string Written(const std::vector<std::string>& texts) const;
+
+    // As Written, plus the clones of gesture `gesture`: clone k is named
+    // CloneName(gesture, k) and its constants are candidates[k] (one text per
+    // constant of that gesture, in order).
+    std::string WithClones(const std::vector<std::string>& texts, size_t gesture,
+                           const std::vector<std::vector<std::string>>& candidates) const;
+    std::string CloneName(size_t gesture, size_t clone) const;
+
+    // The constants of one gesture, as indices into `constants`.
+    std::vector<size_t> ConstantsOf(size_t gesture) const;
+
+    std::string path;
+    std::string text;
+    std::vector<std::string> gestures;  // the names asked for, in order
+    std::vector<TunableConstant> constants;
+
+private:
+    struct Span {
+        size_t begin = 0, end = 0;          // the Gesture element, end past "</Gesture>"
+        size_t nameBegin = 0, nameEnd = 0;  // its name attribute's text
+    };
+    struct Edit {
+        size_t offset, length;
+        std::string text;
+    };
+    static std::string Apply(const std::string& text, size_t begin, size_t end, std::vector<Edit> edits);
+    std::vector<Span> m_Spans;  // by gesture
+};
+
+}  // namespace PelmoraTool
