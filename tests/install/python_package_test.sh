@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the library into a scratch prefix and the Python package into a
 # fresh venv, the two ways docs/python.md gives, and replays the bundled
-# recording through the installed package, away from the source tree:
+# recording through the installed package, away from the source tree (as
+# the native recording, and as the webcam example's landmarks):
 #   1. `pip install --no-build-isolation ./python`: the package finds the
 #      prefix through pkg-config, and names every place it looked when
 #      nothing points there;
@@ -59,5 +60,12 @@ cp "$source/examples/python_replay.py" "$work/"
     "$source/examples/recordings/precog-seq1-subject7.csv" >"$work/replay.txt" 2>"$work/replay.log" ||
     { cat "$work/replay.log"; fail "the replay example through the installed package"; }
 diff "$source/tests/tools/demo_replay.expected" "$work/replay.txt" || fail "the replay's events differ from the tool's"
+# The webcam example's replay mode: the skeleton source table is package data.
+cp "$source/examples/webcam.py" "$work/"
+"$venv_python" -m pelmora.render mediapipe-pose "$source/examples/recordings/precog-seq1-subject7.csv" \
+    "$work/landmarks.jsonl" >/dev/null 2>"$work/render.log" || { cat "$work/render.log"; fail "pelmora.render"; }
+"$venv_python" "$work/webcam.py" --config "$source/examples/gestures/catalogue.xml" --replay "$work/landmarks.jsonl" \
+    >"$work/webcam.txt" 2>"$work/webcam.log" || { cat "$work/webcam.log"; fail "the webcam example's replay mode"; }
+diff "$source/tests/data/sources/webcam_replay.expected" "$work/webcam.txt" || fail "the webcam replay's events differ"
 
-echo "pelmora $version installed into a fresh venv both ways; the replay through it matches the tool's events"
+echo "pelmora $version installed into a fresh venv both ways; its replay and webcam examples give the tool's events"
