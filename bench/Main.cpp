@@ -2,7 +2,8 @@
 // Benchmark's usual flags, then prints a summary of the figures that matter,
 // each beside its target: the update pass against the hand-written rules,
 // the worker's wake-up against a bare condition variable, load and compile
-// times and their growth, replay throughput and allocations per frame.
+// times and their growth, replay throughput, tuning throughput and
+// allocations per frame.
 // With several repetitions the summary uses the medians.
 //
 // The library prints progress lines (one per gesture and player while
@@ -179,6 +180,20 @@ public:
         }
     }
 
+    void Tune() {
+        const Figure* one = Find("Tune/Clones/candidates:1");
+        if (!one) return;
+        m_Out << "\nTuning: one replay of the bundled recording through the catalogue with N clones of RightPunch\n"
+              << "candidates  candidate-frames/s  vs one candidate per replay\n";
+        for (size_t count : PelmoraBench::kCandidateCounts) {
+            const Figure* f = Find("Tune/Clones/candidates:" + std::to_string(count));
+            if (!f) continue;
+            const double rate = Counter(*f, "candidate_frames_per_s");
+            m_Out << std::setw(10) << count << std::setw(20) << Fixed(rate, 0) << std::setw(26)
+                  << Fixed(rate / Counter(*one, "candidate_frames_per_s"), 1) << "x\n";
+        }
+    }
+
     void Allocations() {
         bool header = false;
         for (const auto& entry : m_Figures) {
@@ -243,6 +258,7 @@ int main(int argc, char** argv) {
     PelmoraBench::RegisterWorkerBenchmarks();
     PelmoraBench::RegisterLoadBenchmarks();
     PelmoraBench::RegisterReplayBenchmarks();
+    PelmoraBench::RegisterTuneBenchmarks();
     PelmoraBench::RegisterAllocationBenchmarks();
 
     SummaryReporter reporter;
@@ -255,6 +271,7 @@ int main(int argc, char** argv) {
     summary.Worker();
     summary.Load();
     summary.Replay();
+    summary.Tune();
     summary.Allocations();
     out.flush();
     benchmark::Shutdown();
