@@ -85,6 +85,7 @@ Timeline Replay::Run(const std::string& configPath) {
     } else {
         RunImmediate(reader);
     }
+    for (PlayerTimeline& player : m_Timeline.players) player.EndRecording();
     return m_Timeline;
 }
 

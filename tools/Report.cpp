@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <functional>
 #include <stdexcept>
@@ -49,11 +50,15 @@ std::string Px(double value) {
     return buffer;
 }
 
-// Four significant digits: enough to tell a near miss from its threshold.
-std::string Measured(double value) {
-    char buffer[32];
-    snprintf(buffer, sizeof buffer, "%.4g", value);
-    return buffer;
+// Four significant digits, or as many more as it takes to tell a near
+// miss from its threshold.
+std::string Measured(double value, double threshold) {
+    char buffer[32], limit[32];
+    for (int digits = 4;; ++digits) {
+        snprintf(buffer, sizeof buffer, "%.*g", digits, value);
+        snprintf(limit, sizeof limit, "%.*g", digits, threshold);
+        if (strcmp(buffer, limit) != 0 || value == threshold || digits == 17) return buffer;
+    }
 }
 
 std::string Seconds(double timeMs) { return Numbers::Format(std::round(timeMs) / 1000.0) + " s"; }
@@ -236,24 +241,26 @@ bool IsReference(const std::string& operand) { return operand.rfind('@', 0) == 0
 // A literal as written; a value by name, with what it held then.
 std::string Threshold(const std::string& operand, double value) {
     if (!IsReference(operand)) return Escape(operand);
-    return Escape(operand.substr(1)) + " (" + Measured(value) + ")";
+    return Escape(operand.substr(1)) + " (" + Measured(value, value) + ")";
 }
 
-// "HandAboveHead peaked at 0.15 (1.2 s), needs &gt; 0.2". The followed
-// operand is the left one, unless only the right one names a value.
+// "HandAboveHead peaked at 0.15 (1.2 s), needs &gt; 0.2", or nothing. The
+// followed operand is the left one, unless only the right one names a value.
 std::string ApproachText(const WhyNot& why) {
     const Qualification::QualificationEnum kind = Qualification::GetQualificationEnum(why.entry.kind.c_str());
-    if (!why.closest.Seen() || kind == Qualification::Error) return "<td>-</td>";
+    if (!why.closest.Seen() || kind == Qualification::Error) return "";
     const QualificationEntry& q = why.entry;
     const bool leftFollowed = IsReference(q.value1) || !IsReference(q.value2);
     const std::string& followed = leftFollowed ? q.value1 : q.value2;
     const ComparisonWords& words = WordsFor(leftFollowed ? kind : WordsFor(kind).mirrored);
     const double value = leftFollowed ? why.closest.left : why.closest.right;
     const double other = leftFollowed ? why.closest.right : why.closest.left;
-    return "<td>" + Escape(IsReference(followed) ? followed.substr(1) : followed) + " " + words.nearest + " " +
-           Measured(value) + " (" + Seconds(why.closest.timeMs) + "), needs " + words.symbol +
-           " " + Threshold(leftFollowed ? q.value2 : q.value1, other) + "</td>";
+    return Escape(IsReference(followed) ? followed.substr(1) : followed) + " " + words.nearest + " " + Measured(value, other) +
+           " (" + Seconds(why.closest.timeMs) + "), needs " + words.symbol + " " +
+           Threshold(leftFollowed ? q.value2 : q.value1, other);
 }
+
+std::string Cell(const std::string& text) { return "<td>" + (text.empty() ? std::string("-") : text) + "</td>"; }
 
 std::string WhyNotText(const WhyNot& why) {
     if (!why.waited) return "<td>never waited</td><td>every check succeeded</td><td>-</td>";
@@ -262,16 +269,34 @@ std::string WhyNotText(const WhyNot& why) {
     if (why.qualification < 0) return text + "no single qualification</td><td>-</td>";
     return text + "qualification " + std::to_string(why.qualification) + ": <code>" + Escape(why.description) +
            "</code> (" + std::to_string(why.decidingChecks) + " of " + std::to_string(why.waitingChecks) + ")</td>" +
-           ApproachText(why);
+           Cell(ApproachText(why));
+}
+
+// What held the gesture back in one missed run, in a few words.
+std::string MissText(const WhyNot& why) {
+    if (!why.waited) return "no check failed";
+    const std::string approach = ApproachText(why);
+    if (!approach.empty()) return approach;
+    if (why.qualification < 0) return "segment " + std::to_string(why.segment) + ", no single qualification";
+    return "<code>" + Escape(why.description) + "</code>";
+}
+
+// "1 of 3<br>from 26.8 s: LeftFootUp peaked at ...": the first few misses.
+std::string MissesText(const GestureLane& lane) {
+    if (lane.labelledRuns == 0) return "";
+    std::string text = std::to_string(lane.missedRuns) + " of " + std::to_string(lane.labelledRuns);
+    for (const MissedRun& miss : lane.misses) text += "<br>from " + Seconds(miss.startMs) + ": " + MissText(miss.why);
+    if (lane.missedRuns > lane.misses.size()) text += "<br>and " + std::to_string(lane.missedRuns - lane.misses.size()) + " more";
+    return text;
 }
 
 void WriteWhyNot(std::ostream& out, const PlayerTimeline& player) {
     out << "<table class=\"why-not\">\n<tr><th>Gesture</th><th>Finishes</th><th>Waited longest in</th>"
-           "<th>Most often failing there</th><th>Nearest it came</th></tr>\n";
+           "<th>Most often failing there</th><th>Nearest it came</th><th>Runs of its name missed</th></tr>\n";
     for (const GestureLane& lane : player.lanes) {
         out << "<tr data-gesture=\"" << Escape(lane.name) << "\"><td>" << Escape(lane.name) << "</td><td>"
-            << lane.Count(EventKind::Finished)
-            << "</td>" << WhyNotText(lane.Explain()) << "</tr>\n";
+            << lane.Count(EventKind::Finished) << "</td>" << WhyNotText(lane.Explain()) << Cell(MissesText(lane))
+            << "</tr>\n";
     }
     out << "</table>\n";
 }

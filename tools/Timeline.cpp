@@ -17,6 +17,13 @@ double Shortfall(Qualification::QualificationEnum kind, double left, double righ
     }
 }
 
+const QualificationEntry* EntryOf(const QualificationTable& qualifications, const QualificationKey& key) {
+    const auto [segment, qualification] = key;
+    if (qualification < 0 || segment >= qualifications.size()) return nullptr;
+    if (static_cast<size_t>(qualification) >= qualifications[segment].size()) return nullptr;
+    return &qualifications[segment][static_cast<size_t>(qualification)];
+}
+
 }  // namespace
 
 void Approach::Offer(Qualification::QualificationEnum kind, double at, double leftValue, double rightValue) {
@@ -31,6 +38,7 @@ void Approach::Offer(Qualification::QualificationEnum kind, double at, double le
 // A bucket holds at most one marker of each kind, so only the last two
 // markers can share the bucket of a new one.
 void GestureLane::Mark(double timeMs, EventKind kind, uint32_t segment) {
+    if (kind == EventKind::Finished && m_InRun) m_FinishedInRun = true;
     const size_t bucket = buckets.Of(timeMs);
     for (auto m = markers.rbegin(); m != markers.rend() && buckets.Of(m->timeMs) == bucket; ++m) {
         if (m->kind != kind) continue;
@@ -48,21 +56,42 @@ uint64_t GestureLane::Count(EventKind kind) const {
 }
 
 void GestureLane::CountFailure(uint32_t segment, int qualification, double timeMs, double left, double right) {
+    failures.Count(qualifications, segment, qualification, timeMs, left, right);
+    m_Run.Count(qualifications, segment, qualification, timeMs, left, right);
+}
+
+void GestureLane::AddFrame(double timeMs, const std::string& label) {
+    const bool inRun = label == name;
+    if (inRun == m_InRun) return;
+    if (!inRun) {
+        EndRecording();
+        return;
+    }
+    m_InRun = true;
+    m_FinishedInRun = false;
+    m_RunStartMs = timeMs;
+    m_Run = FailureCounts();
+    ++labelledRuns;
+}
+
+void GestureLane::EndRecording() {
+    if (!m_InRun) return;
+    m_InRun = false;
+    if (m_FinishedInRun) return;
+    ++missedRuns;
+    if (misses.size() < kListedMisses) misses.push_back({m_RunStartMs, m_Run.Explain(qualifications)});
+}
+
+void FailureCounts::Count(const QualificationTable& qualifications, uint32_t segment, int qualification, double timeMs,
+                          double left, double right) {
     const QualificationKey key{segment, qualification};
     ++waiting[segment];
     ++deciding[key];
-    if (const QualificationEntry* entry = Entry(key))
+    if (const QualificationEntry* entry = EntryOf(qualifications, key))
         closest[key].Offer(Qualification::GetQualificationEnum(entry->kind.c_str()), timeMs, left, right);
 }
 
-const QualificationEntry* GestureLane::Entry(const QualificationKey& key) const {
-    const auto [segment, qualification] = key;
-    if (qualification < 0 || segment >= qualifications.size()) return nullptr;
-    if (static_cast<size_t>(qualification) >= qualifications[segment].size()) return nullptr;
-    return &qualifications[segment][static_cast<size_t>(qualification)];
-}
-
-WhyNot GestureLane::Explain() const {
+WhyNot FailureCounts::Explain(const QualificationTable& qualifications) const {
     WhyNot why;
     for (const auto& [segment, checks] : waiting) {
         if (checks <= why.waitingChecks) continue;
@@ -77,7 +106,7 @@ WhyNot GestureLane::Explain() const {
         why.decidingChecks = checks;
     }
     const QualificationKey key{why.segment, why.qualification};
-    if (const QualificationEntry* entry = Entry(key)) {
+    if (const QualificationEntry* entry = EntryOf(qualifications, key)) {
         why.entry = *entry;
         why.description = entry->Describe();
     }
@@ -87,6 +116,7 @@ WhyNot GestureLane::Explain() const {
 }
 
 void PlayerTimeline::AddFrame(double timeMs, const std::string& label) {
+    for (GestureLane& lane : lanes) lane.AddFrame(timeMs, label);
     if (!openLabel.empty()) labels.back().endMs = timeMs;
     if (label == openLabel) return;
     openLabel = label;
@@ -96,6 +126,10 @@ void PlayerTimeline::AddFrame(double timeMs, const std::string& label) {
         return;
     }
     labels.push_back({timeMs, timeMs, label, 1});
+}
+
+void PlayerTimeline::EndRecording() {
+    for (GestureLane& lane : lanes) lane.EndRecording();
 }
 
 }  // namespace PelmoraTool

@@ -2,9 +2,11 @@
 // plotted values, each gesture's segment over time with its finishes and
 // resets, the recording's labels, and for every failed check the segment it
 // was waiting in, the qualification that decided the failure and how near
-// that qualification came to holding. The series are sampled, so their size
-// does not grow with the recording; finishes, resets and labels are kept by
-// time bucket, and the counts and nearest approaches by qualification.
+// that qualification came to holding, over the recording and within each
+// labelled run of the gesture's own name that it missed. The series are
+// sampled, so their size does not grow with the recording; finishes, resets
+// and labels are kept by time bucket, the counts and nearest approaches by
+// qualification, and the first few missed runs.
 // Thread-safety: none; filled and read by one thread.
 #pragma once
 
@@ -62,28 +64,57 @@ struct WhyNot {
 };
 
 using QualificationKey = std::pair<uint32_t, int>;  // (segment, qualification)
+using QualificationTable = std::vector<std::vector<QualificationEntry>>;  // as written, by segment
+
+// The failed checks of a gesture over some time: how many per segment and
+// per deciding qualification, and how near each qualification came.
+struct FailureCounts {
+    std::map<uint32_t, uint64_t> waiting;
+    std::map<QualificationKey, uint64_t> deciding;
+    std::map<QualificationKey, Approach> closest;
+
+    // `left` and `right` are what the failing qualification compared (NaN
+    // when unknown).
+    void Count(const QualificationTable& qualifications, uint32_t segment, int qualification, double timeMs, double left,
+               double right);
+    WhyNot Explain(const QualificationTable& qualifications) const;
+};
+
+// A labelled run of the gesture's own name in which it did not finish.
+struct MissedRun {
+    double startMs;
+    WhyNot why;
+};
 
 struct GestureLane {
+    static const size_t kListedMisses = 5;
+
     std::string name;
     uint32_t segmentCount = 0;
-    std::vector<std::vector<QualificationEntry>> qualifications;  // as written, by segment
-    SampledSeries progress;                                       // segment waited in after each check
-    std::vector<LaneMarker> markers;                              // finishes and resets, by bucket
-    std::map<uint32_t, uint64_t> waiting;                         // failed checks per segment
-    std::map<QualificationKey, uint64_t> deciding;                // failed checks per qualification
-    std::map<QualificationKey, Approach> closest;                 // and its nearest approach
+    QualificationTable qualifications;
+    SampledSeries progress;           // segment waited in after each check
+    std::vector<LaneMarker> markers;  // finishes and resets, by bucket
+    FailureCounts failures;           // over the whole recording
+    uint64_t labelledRuns = 0;        // runs labelled with the gesture's name
+    uint64_t missedRuns = 0;
+    std::vector<MissedRun> misses;    // the first kListedMisses
 
     TimeBuckets buckets;
 
     void Mark(double timeMs, EventKind kind, uint32_t segment);
     uint64_t Count(EventKind kind) const;
-    // `left` and `right` are what the failing qualification compared (NaN
-    // when unknown).
     void CountFailure(uint32_t segment, int qualification, double timeMs, double left, double right);
-    WhyNot Explain() const;
+    WhyNot Explain() const { return failures.Explain(qualifications); }
+    // Follows the runs labelled with the gesture's name, frame by frame;
+    // EndRecording closes the last.
+    void AddFrame(double timeMs, const std::string& label);
+    void EndRecording();
 
 private:
-    const QualificationEntry* Entry(const QualificationKey& key) const;
+    bool m_InRun = false;
+    bool m_FinishedInRun = false;
+    double m_RunStartMs = 0.0;
+    FailureCounts m_Run;  // since the last run began
 };
 
 struct PlotSeries {
@@ -112,6 +143,8 @@ struct PlayerTimeline {
     // Extends the label spans by the player's next frame: a span runs from
     // its first frame to the player's next frame after it.
     void AddFrame(double timeMs, const std::string& label);
+    // Closes the lanes' labelled runs after the player's last frame.
+    void EndRecording();
 };
 
 struct Timeline {

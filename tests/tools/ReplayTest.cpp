@@ -117,7 +117,7 @@ TEST(ReplayTest, TimelineCountsWhichQualificationHeldEachGestureBack) {
     const GestureLane& step = player.lanes[0];
     EXPECT_EQ(step.name, "LeftStep");
     EXPECT_EQ(step.segmentCount, 2u);
-    EXPECT_EQ(step.deciding, (std::map<std::pair<uint32_t, int>, uint64_t>{{{0, 0}, 10}, {{1, 0}, 1}, {{1, 1}, 5}}));
+    EXPECT_EQ(step.failures.deciding, (std::map<std::pair<uint32_t, int>, uint64_t>{{{0, 0}, 10}, {{1, 0}, 1}, {{1, 1}, 5}}));
     ASSERT_EQ(step.markers.size(), 2u);
     EXPECT_EQ(step.markers[0].kind, EventKind::Reset);
     EXPECT_EQ(step.markers[0].timeMs, 1400.0);
