@@ -14,7 +14,8 @@
 # marks commands that install packages or build and test the whole tree.
 # Each page runs in its own scratch folder that looks like a built source
 # tree: examples/, python/, include/ and build/ are links to the real ones,
-# build/tools is on PATH, and PELMORA_LIBRARY names the built library.
+# build/tools is on PATH, python/ on PYTHONPATH, and PELMORA_LIBRARY names
+# the built library.
 # An indented code block or an unknown fence word fails the test, so no
 # command escapes by its form.
 # Usage: run_blocks.sh SOURCE_DIR BUILD_DIR (every page of SOURCE_DIR/docs)
@@ -38,7 +39,7 @@ run_block() {
     local where="$1" kind="$2" file="$3"
     case "$kind" in
         sh) bash -euo pipefail "$file" ;;
-        python) PYTHONPATH="$PWD/python" python3 "$file" ;;
+        python) python3 "$file" ;;
         c) cc -std=c99 -Wall -Werror -Iinclude "$file" -Lbuild -lPelmora64 -o "$file.bin" && "./$file.bin" ;;
         cpp) c++ -std=c++17 -Wall -Werror -Iinclude "$file" -Lbuild -lPelmora64 -o "$file.bin" && "./$file.bin" ;;
         xml) pelmora check "$file" ;;
@@ -88,6 +89,7 @@ for page in "$source_dir"/docs/*.md; do
     for part in examples python include; do ln -s "$source_dir/$part" "$folder/$part"; done
     ln -s "$build_dir" "$folder/build"
     cd "$folder"
+    export PYTHONPATH="$folder/python"
     number=0 fence="" start=0 text="" blank=1
     while IFS= read -r line || [ -n "$line" ]; do
         number=$((number + 1))
