@@ -6,6 +6,10 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <tinyxml.h>
+
+#include <cctype>
+
 #include "tools/Numbers.h"
 
 namespace PelmoraTool {
@@ -87,22 +91,57 @@ size_t RankOnLine(const std::vector<XmlPlace>& all, const XmlPlace& place) {
     }));
 }
 
+std::string Lower(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+bool Names(const std::string& operand, const std::string& value) {
+    return operand == "@" + value || operand.rfind("@" + value + ".", 0) == 0;
+}
+
+// Every element of the sections the library reads, in document order.
+template <typename Visit>
+void ForEachElement(const TiXmlElement& element, const Visit& visit) {
+    visit(element);
+    for (const TiXmlElement* child = element.FirstChildElement(); child; child = child->NextSiblingElement()) ForEachElement(*child, visit);
+}
+
 }  // namespace
+
+// Finds elements and their operands in the document's text.
+struct TunableDocument::Locator {
+    const std::string& path;
+    const std::string& text;
+    std::vector<size_t> lines;
+    std::vector<XmlPlace> qualifications;  // of every gesture the library keeps
+
+    // Where the operand's text begins; throws when the raw text is not the operand as read.
+    size_t Operand(const QualificationEntry& q, const std::string& attribute, const std::string& operand) const {
+        const size_t element = ElementOffset(text, lines, "Qualification", q.place.row, RankOnLine(qualifications, q.place));
+        const TextSpan span = element == std::string::npos ? TextSpan() : AttributeText(text, element, attribute);
+        if (span.begin == std::string::npos || text.compare(span.begin, span.end - span.begin, operand) != 0)
+            throw std::runtime_error(PlaceText(path, q.place) + ": the " + attribute +
+                                     " of this qualification is not written plainly enough to be changed in place");
+        return span.begin;
+    }
+};
 
 std::string TunableConstant::Label() const { return std::to_string(place.row) + ":" + attribute; }
 
-TunableDocument TunableDocument::Load(const std::string& path, const std::vector<std::string>& gestures) {
+TunableDocument TunableDocument::Load(const std::string& path, const std::vector<std::string>& gestures,
+                                      const std::vector<std::string>& values) {
     const ConfigDocument config = ConfigDocument::Load(path);
     TunableDocument document;
     document.path = path;
     document.text = ReadText(path);
     document.gestures = gestures;
-    const std::vector<size_t> lines = LineStarts(document.text);
-    std::vector<XmlPlace> gesturePlaces, qualificationPlaces;
+    Locator locate{path, document.text, LineStarts(document.text), {}};
+    std::vector<XmlPlace> gesturePlaces;
     for (const GestureEntry& gesture : config.gestures) {
         gesturePlaces.push_back(gesture.place);
         for (const SegmentEntry& segment : gesture.segments) {
-            for (const QualificationEntry& q : segment.qualifications) qualificationPlaces.push_back(q.place);
+            for (const QualificationEntry& q : segment.qualifications) locate.qualifications.push_back(q.place);
         }
     }
     std::set<std::string> asked;
@@ -114,35 +153,88 @@ TunableDocument TunableDocument::Load(const std::string& path, const std::vector
         if (found == config.gestures.end()) throw std::runtime_error(path + ": the configuration has no gesture \"" + name + "\"");
         if (std::count_if(config.gestures.begin(), config.gestures.end(), named) > 1)
             throw std::runtime_error(path + ": gesture \"" + name + "\" is declared twice; the library finds only the later one");
-        const size_t before = document.constants.size();
-        for (const SegmentEntry& segment : found->segments) {
-            for (const QualificationEntry& q : segment.qualifications) {
-                if (q.kind == "Equal" || q.kind == "NoEqual") continue;
-                const size_t element = ElementOffset(document.text, lines, "Qualification", q.place.row,
-                                                     RankOnLine(qualificationPlaces, q.place));
-                for (const auto& [attribute, operand] : {std::pair{"value1", q.value1}, std::pair{"value2", q.value2}}) {
-                    TunableConstant constant{g, q.place, attribute, operand, 0.0, false, 0};
-                    if (!ReadNumber(operand, constant.value, constant.integer)) continue;
-                    const TextSpan span = element == std::string::npos ? TextSpan() : AttributeText(document.text, element, attribute);
-                    if (span.begin == std::string::npos || document.text.compare(span.begin, span.end - span.begin, operand) != 0)
-                        throw std::runtime_error(PlaceText(path, q.place) + ": the " + attribute +
-                                                 " of this qualification is not written plainly enough to be changed in place");
-                    constant.offset = span.begin;
-                    document.constants.push_back(constant);
-                }
-            }
-        }
-        if (document.constants.size() == before)
-            throw std::runtime_error(path + ": gesture \"" + name + "\" has no numeric constant to tune");
-        const size_t element = ElementOffset(document.text, lines, "Gesture", found->place.row, RankOnLine(gesturePlaces, found->place));
+        const size_t element = ElementOffset(document.text, locate.lines, "Gesture", found->place.row, RankOnLine(gesturePlaces, found->place));
         const TextSpan nameText = element == std::string::npos ? TextSpan() : AttributeText(document.text, element, "name");
         const size_t close = element == std::string::npos ? element : document.text.find("</Gesture", element);
         const size_t end = close == std::string::npos ? close : document.text.find('>', close);
         if (nameText.begin == std::string::npos || end == std::string::npos)
             throw std::runtime_error(PlaceText(path, found->place) + ": gesture \"" + name + "\" cannot be copied in place");
         document.m_Spans.push_back({element, end + 1, nameText.begin, nameText.end});
+        for (const SegmentEntry& segment : found->segments) {
+            for (const QualificationEntry& q : segment.qualifications) {
+                if (q.kind == "Equal" || q.kind == "NoEqual") continue;
+                for (const auto& [attribute, operand] : {std::pair{"value1", q.value1}, std::pair{"value2", q.value2}}) {
+                    TunableConstant constant{g, q.place, attribute, operand, 0.0, false, 0, {}};
+                    if (!ReadNumber(operand, constant.value, constant.integer)) continue;
+                    constant.offset = locate.Operand(q, attribute, operand);
+                    document.constants.push_back(constant);
+                }
+            }
+        }
+    }
+    for (const std::string& value : values) document.AddValue(value, config, locate);
+    for (size_t g = 0; g < gestures.size(); ++g) {
+        if (document.ConstantsOf(g).empty())
+            throw std::runtime_error(path + ": gesture \"" + gestures[g] + "\" has no numeric constant to tune");
     }
     return document;
+}
+
+void TunableDocument::AddValue(const std::string& name, const ConfigDocument& config, const Locator& locate) {
+    const std::string refused = path + ": value \"" + name + "\" cannot be tuned: ";
+    TiXmlDocument xml;
+    xml.Parse(text.c_str());
+    const TiXmlElement* declaration = nullptr;
+    std::vector<XmlPlace> declarations;
+    bool computed = false;
+    for (const TiXmlElement* section = xml.FirstChildElement("AppConfig"); section; section = section->NextSiblingElement()) {
+        ForEachElement(*section, [&](const TiXmlElement& element) {
+            const std::string tag = element.Value();
+            if (tag == "Value") declarations.push_back({element.Row(), element.Column()});
+            if (tag == "Value" && !declaration && element.Attribute("name") && name == element.Attribute("name")) declaration = &element;
+            if (tag != "Function") return;
+            for (const TiXmlAttribute* a = element.FirstAttribute(); a; a = a->Next()) computed = computed || Names(a->ValueStr(), name);
+        });
+    }
+    if (!declaration) throw std::runtime_error(path + ": the configuration declares no value \"" + name + "\"");
+    const std::string type = Lower(declaration->Attribute("type") ? declaration->Attribute("type") : "");
+    if (type != "int" && type != "float") throw std::runtime_error(refused + "only int and float values can be");
+    if (computed) throw std::runtime_error(refused + "a function computes or reads it, so it is not a constant");
+    std::set<std::string> readers;
+    for (const GestureEntry& gesture : config.gestures) {
+        for (const SegmentEntry& segment : gesture.segments) {
+            for (const QualificationEntry& q : segment.qualifications) {
+                if (Names(q.value1, name) || Names(q.value2, name)) readers.insert(gesture.name);
+            }
+        }
+    }
+    const auto reader = readers.size() == 1 ? std::find(gestures.begin(), gestures.end(), *readers.begin()) : gestures.end();
+    if (reader == gestures.end())
+        throw std::runtime_error(refused + "the qualifications of exactly one of the gestures being tuned must read it, and no other's");
+    const XmlPlace place{declaration->Row(), declaration->Column()};
+    const size_t element = ElementOffset(text, locate.lines, "Value", place.row, RankOnLine(declarations, place));
+    const size_t open = element == std::string::npos ? element : text.find('>', element);
+    const size_t begin = open == std::string::npos ? open : text.find_first_not_of(kBlanks, open + 1);
+    const size_t end = begin == std::string::npos ? begin : text.find_last_not_of(kBlanks, text.find('<', begin) - 1) + 1;
+    const std::string written = begin == std::string::npos || text[open - 1] == '/' ? "" : text.substr(begin, end - begin);
+    TunableConstant constant{static_cast<size_t>(reader - gestures.begin()), place, name, written, 0.0, type == "int", begin, {}};
+    if (written.empty() || !declaration->GetText() || written != declaration->GetText() ||
+        !ReadNumber(written, constant.value, constant.integer))
+        throw std::runtime_error(PlaceText(path, place) + ": value \"" + name + "\" needs its initial number written plainly, as in 0.5");
+    constant.integer = type == "int";
+    for (const GestureEntry& gesture : config.gestures) {
+        if (gesture.name != *readers.begin()) continue;
+        for (const SegmentEntry& segment : gesture.segments) {
+            for (const QualificationEntry& q : segment.qualifications) {
+                for (const auto& [attribute, operand] : {std::pair{"value1", q.value1}, std::pair{"value2", q.value2}}) {
+                    if (!Names(operand, name)) continue;
+                    if (operand != "@" + name) throw std::runtime_error(PlaceText(path, q.place) + ": " + refused.substr(path.size() + 2) + "it is read as " + operand);
+                    constant.references.push_back(locate.Operand(q, attribute, operand));
+                }
+            }
+        }
+    }
+    constants.push_back(constant);
 }
 
 std::string TunableDocument::Written(const std::vector<std::string>& texts) const {
@@ -163,6 +255,7 @@ std::string TunableDocument::WithClones(const std::vector<std::string>& texts, s
         for (size_t i = 0; i < own.size(); ++i) {
             const TunableConstant& constant = constants[own[i]];
             cloneEdits.push_back({constant.offset, constant.text.size(), candidates[k][i]});
+            for (size_t reference : constant.references) cloneEdits.push_back({reference, constant.attribute.size() + 1, candidates[k][i]});
         }
         clones += "\n" + Apply(text, span.begin, span.end, cloneEdits);
     }

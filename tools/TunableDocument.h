@@ -7,6 +7,10 @@
 // A constant is an operand that is a number rather than a reference: an
 // integer (no dot; it stays an integer) or a float (with a dot). Equal and
 // NoEqual are left alone: moving an equality's constant finds nothing.
+// A declared int or float value can be a constant too, when no function
+// computes or reads it and the qualifications of one gesture alone read it:
+// its initial value is what changes, and in a clone its candidate number is
+// written in place of each reference to it, which the library reads alike.
 // Read-only after Load: safe to share between threads.
 #pragma once
 
@@ -19,23 +23,25 @@ namespace PelmoraTool {
 
 struct TunableConstant {
     size_t gesture = 0;     // index into TunableDocument::gestures
-    XmlPlace place;         // the Qualification element
-    std::string attribute;  // "value1" or "value2"
+    XmlPlace place;         // the Qualification, or the declared value's Value element
+    std::string attribute;  // "value1" or "value2", or the declared value's name
     std::string text;       // as the document writes it
     double value = 0.0;
     bool integer = false;
     size_t offset = 0;      // of the text in the document
+    std::vector<size_t> references;  // a declared value: where the gesture's operands name it
 
-    // "648:value2": the document's line and the attribute.
+    // "648:value2" or "12:ReachLimit": the document's line and the attribute or value.
     std::string Label() const;
 };
 
 class TunableDocument {
 public:
     // Throws std::runtime_error naming the file for an unknown gesture, a
-    // gesture named twice or declared twice, and a gesture without a
-    // constant to tune.
-    static TunableDocument Load(const std::string& path, const std::vector<std::string>& gestures);
+    // gesture named twice or declared twice, a gesture without a constant to
+    // tune, and a declared value that cannot be one.
+    static TunableDocument Load(const std::string& path, const std::vector<std::string>& gestures,
+                                const std::vector<std::string>& values = {});
 
     // The document with every constant written as `texts` gives (one per
     // constant, in the order of `constants`).
@@ -66,6 +72,8 @@ private:
         std::string text;
     };
     static std::string Apply(const std::string& text, size_t begin, size_t end, std::vector<Edit> edits);
+    struct Locator;
+    void AddValue(const std::string& name, const ConfigDocument& config, const Locator& locate);
     std::vector<Span> m_Spans;  // by gesture
 };
 

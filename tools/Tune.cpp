@@ -216,7 +216,7 @@ void Search(const LabelledSet& set, const TunableDocument& document, const std::
 
 struct GestureResult {
     std::string gesture, target;
-    std::vector<std::string> before, tuned;
+    std::vector<std::string> labels, before, tuned;
     std::vector<std::vector<std::string>> folds;  // by constant
     Tally beforeTally, tunedTally, losoTally;
     bool hasLoso = false;
@@ -241,13 +241,14 @@ GestureResult Fit(const LabelledSet& set, const TunableDocument& document, const
     std::vector<ConstantSearch> searches = StartSearches(run, start, Subjects(set), options.loso);
     Search(set, document, texts, options.passes, run, searches);
 
-    GestureResult result{document.gestures[gesture], set.rows[run.target], {}, {}, {}, {}, {}, {}, false, {}, run.passes, run.replayed.size()};
+    GestureResult result{document.gestures[gesture], set.rows[run.target], {}, {}, {}, {}, {}, {}, {}, false, {}, run.passes, run.replayed.size()};
     result.beforeTally = Pooled(run.replayed.at(start), "");
     const ConstantSearch* full = options.loso == LosoMode::Only ? nullptr : &searches.front();
     const std::vector<double>& tuned = full ? full->Current() : start;
     result.tunedTally = Pooled(run.replayed.at(tuned), "");
     result.folds.resize(run.constants.size());
     for (size_t c = 0; c < run.constants.size(); ++c) {
+        result.labels.push_back(document.constants[run.constants[c]].Label());
         result.before.push_back(document.constants[run.constants[c]].text);
         result.tuned.push_back(full ? ConstantSearch::Text(tuned[c], run.ranges[c]) : result.before.back());
         texts[run.constants[c]] = result.tuned.back();
@@ -274,16 +275,15 @@ std::string FoldRange(const std::vector<std::string>& texts) {
     return *low == *high ? *low : *low + ".." + *high;
 }
 
-void PrintText(const std::vector<GestureResult>& results, const TunableDocument& document, LosoMode loso, std::ostream& out) {
-    size_t c = 0;
+void PrintText(const std::vector<GestureResult>& results, LosoMode loso, std::ostream& out) {
     for (const GestureResult& r : results) {
         out << r.gesture << " (scored as " << r.target << "): " << r.before.size() << " constants, " << r.passes
             << " passes, " << r.candidates << " candidates\n";
         char line[160];
         snprintf(line, sizeof line, "  %-16s %10s %10s  %s\n", "constant", "before", "tuned", "LOSO folds");
         out << line;
-        for (size_t k = 0; k < r.before.size(); ++k, ++c) {
-            snprintf(line, sizeof line, "  %-16s %10s %10s  %s\n", document.constants[c].Label().c_str(), r.before[k].c_str(),
+        for (size_t k = 0; k < r.before.size(); ++k) {
+            snprintf(line, sizeof line, "  %-16s %10s %10s  %s\n", r.labels[k].c_str(), r.before[k].c_str(),
                      r.tuned[k].c_str(), FoldRange(r.folds[k]).c_str());
             out << line;
         }
@@ -295,13 +295,12 @@ void PrintText(const std::vector<GestureResult>& results, const TunableDocument&
     }
 }
 
-json ResultsJson(const std::vector<GestureResult>& results, const TunableDocument& document) {
+json ResultsJson(const std::vector<GestureResult>& results) {
     json list = json::array();
-    size_t c = 0;
     for (const GestureResult& r : results) {
         json constants = json::array();
-        for (size_t k = 0; k < r.before.size(); ++k, ++c)
-            constants.push_back({{"constant", document.constants[c].Label()}, {"before", r.before[k]}, {"tuned", r.tuned[k]}, {"folds", r.folds[k]}});
+        for (size_t k = 0; k < r.before.size(); ++k)
+            constants.push_back({{"constant", r.labels[k]}, {"before", r.before[k]}, {"tuned", r.tuned[k]}, {"folds", r.folds[k]}});
         list.push_back({{"gesture", r.gesture},
                         {"target", r.target},
                         {"passes", r.passes},
@@ -359,7 +358,7 @@ std::vector<ConstantRange> Tune::Ranges(const TunableDocument& document, const T
 
 int Tune::Run(const TuneOptions& options, std::ostream& out) {
     const LabelledSet set = LabelledSet::Make(options.data);
-    const TunableDocument document = TunableDocument::Load(options.data.config, options.gestures);
+    const TunableDocument document = TunableDocument::Load(options.data.config, options.gestures, options.values);
     for (const std::string& gesture : options.gestures) {
         if (set.rowOf.at(gesture) >= set.map.targets.size())
             throw std::runtime_error(options.data.map + " maps no label to gesture \"" + gesture + "\": there is nothing to fit it to");
@@ -380,14 +379,14 @@ int Tune::Run(const TuneOptions& options, std::ostream& out) {
     if (options.data.json) {
         out << json{{"recordings", set.recordings.size()},
                     {"window_ms", {{"before", options.data.window.beforeMs}, {"after", options.data.window.afterMs}}},
-                    {"tuned", ResultsJson(results, document)},
+                    {"tuned", ResultsJson(results)},
                     {"output", options.output.empty() ? json() : json(options.output)}}
                    .dump(1)
             << '\n';
         return 0;
     }
     out << set.recordings.size() << " recordings, " << Subjects(set).size() << " subjects\n\n";
-    PrintText(results, document, options.loso, out);
+    PrintText(results, options.loso, out);
     if (!options.output.empty()) out << "wrote " << options.output << '\n';
     return 0;
 }

@@ -24,6 +24,7 @@ enum class LosoMode { Yes, No, Only };
 struct TuneOptions {
     EvaluateOptions data;
     std::vector<std::string> gestures;
+    std::vector<std::string> values;           // declared values to tune too
     double lowFactor = 0.5, highFactor = 2.0;  // --bounds
     std::vector<std::string> ranges;           // --range ROW:ATTRIBUTE=MIN:MAX
     unsigned passes = 8;

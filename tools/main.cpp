@@ -87,6 +87,7 @@ void AddTune(CLI::App& app, TuneArguments& args) {
     CLI::App* tune = app.add_subcommand("tune", "Fit gestures' constants to labelled recordings");
     AddLabelledData(tune, args.data);
     tune->add_option("--gestures", args.options.gestures, "Gestures to tune, A,B (in this order)")->required()->delimiter(',');
+    tune->add_option("--values", args.options.values, "Declared values to tune with the gesture that reads them, A,B")->delimiter(',');
     tune->add_option("--bounds", args.bounds, "Search each constant within LOW:HIGH times its value (default 0.5:2)");
     tune->add_option("--range", args.options.ranges, "ROW:ATTRIBUTE=MIN:MAX for one constant; repeatable")->allow_extra_args(false);
     tune->add_option("--passes", args.options.passes, "Most replays of the data per gesture (default 8)")->check(CLI::PositiveNumber);

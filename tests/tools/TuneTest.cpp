@@ -86,23 +86,38 @@ TEST(TuneTest, SearchClimbsToTheBestValueInsideItsRange) {
 }
 
 TEST(TuneTest, WrittenDocumentScoresAsReportedAndKeepsItsText) {
-    // RaiseHand's 0.9 is out of reach of a hand 0.3 above the head.
-    std::string original = Read(kData + "/gestures.xml");
-    original.replace(original.find("value2=\"0.2\""), 12, "value2=\"0.9\"");
-    const std::string config = Written("high.xml", original), output = testing::TempDir() + "tuned.xml";
+    // RaiseHand's 0.9, written in its qualification or in a declared value,
+    // is out of reach of a hand 0.3 above the head.
+    struct Variant {
+        std::vector<std::pair<std::string, std::string>> edits;
+        std::string number, values;  // where the number is written; --values
+    };
+    const std::vector<Variant> variants = {
+        {{{"value2=\"0.2\"", "value2=\"0.9\""}}, "\"0.9\"", ""},
+        {{{"value2=\"0.2\"", "value2=\"@Limit\""}, {"</IdentfyValues>", "  <Value type=\"float\" name=\"Limit\">0.9</Value>\n  </IdentfyValues>"}},
+         ">0.9<", " --values Limit"},
+    };
     const std::string wave = Read(kData + "/wave.csv");
     const std::string data = Written("a.csv", wave) + " " + Written("b.csv", wave) + " --map " + kData + "/wave.map --manifest " +
                              Written("ab.tsv", "file\tsubject\na.csv\tA\nb.csv\tB\n");
-    const nlohmann::json tuned = Printed("tune " + config + " " + data + " --gestures RaiseHand --bounds 0.1:2 --output " + output);
-    const nlohmann::json& result = tuned.at("tuned").at(0);
-    EXPECT_EQ(result.at("before").at("true"), 0);
-    EXPECT_EQ(result.at("tuned").at("f1"), 1.0);
-    EXPECT_EQ(result.at("loso").at("f1"), 1.0);
-    const nlohmann::json evaluated = Printed("evaluate " + output + " " + data);
-    EXPECT_EQ(evaluated.at("gestures").at(0), result.at("tuned"));
-    const std::string value = result.at("constants").at(0).at("tuned");
-    original.replace(original.find("value2=\"0.9\""), 12, "value2=\"" + value + "\"");
-    EXPECT_EQ(Read(output), original);
+    for (const Variant& variant : variants) {
+        std::string original = Read(kData + "/gestures.xml");
+        for (const auto& [from, to] : variant.edits) original.replace(original.find(from), from.size(), to);
+        const std::string config = Written("high.xml", original), output = testing::TempDir() + "tuned.xml";
+        const nlohmann::json tuned =
+            Printed("tune " + config + " " + data + " --gestures RaiseHand --bounds 0.1:2 --output " + output + variant.values);
+        const nlohmann::json& result = tuned.at("tuned").at(0);
+        EXPECT_EQ(result.at("before").at("true"), 0) << variant.number;
+        EXPECT_EQ(result.at("tuned").at("f1"), 1.0) << variant.number;
+        EXPECT_EQ(result.at("loso").at("f1"), 1.0) << variant.number;
+        EXPECT_EQ(Printed("evaluate " + output + " " + data).at("gestures").at(0), result.at("tuned")) << variant.number;
+        std::string value;
+        for (const nlohmann::json& constant : result.at("constants")) {
+            if (constant.at("before") == "0.9") value = constant.at("tuned");
+        }
+        original.replace(original.find(variant.number) + 1, 3, value);
+        EXPECT_EQ(Read(output), original) << variant.number;
+    }
 }
 
 }  // namespace
