@@ -64,7 +64,7 @@ void GestureLane::AddFrame(double timeMs, const std::string& label) {
     const bool inRun = label == name;
     if (inRun == m_InRun) return;
     if (!inRun) {
-        EndRecording();
+        CloseRun();
         return;
     }
     m_InRun = true;
@@ -74,7 +74,7 @@ void GestureLane::AddFrame(double timeMs, const std::string& label) {
     ++labelledRuns;
 }
 
-void GestureLane::EndRecording() {
+void GestureLane::CloseRun() {
     if (!m_InRun) return;
     m_InRun = false;
     if (m_FinishedInRun) return;
@@ -129,7 +129,7 @@ void PlayerTimeline::AddFrame(double timeMs, const std::string& label) {
 }
 
 void PlayerTimeline::EndRecording() {
-    for (GestureLane& lane : lanes) lane.EndRecording();
+    for (GestureLane& lane : lanes) lane.CloseRun();
 }
 
 }  // namespace PelmoraTool

@@ -106,9 +106,9 @@ struct GestureLane {
     void CountFailure(uint32_t segment, int qualification, double timeMs, double left, double right);
     WhyNot Explain() const { return failures.Explain(qualifications); }
     // Follows the runs labelled with the gesture's name, frame by frame;
-    // EndRecording closes the last.
+    // CloseRun closes the open one after the last frame.
     void AddFrame(double timeMs, const std::string& label);
-    void EndRecording();
+    void CloseRun();
 
 private:
     bool m_InRun = false;
