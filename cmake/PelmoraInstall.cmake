@@ -71,7 +71,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/pelmora64.pc DESTINATION ${CMAKE_INSTA
 # with --system-site-packages). It is the install component "python", part
 # of a plain `cmake --install` only with PELMORA_INSTALL_PYTHON. The
 # interpreter is $PELMORA_PYTHON at install time, else the cache variable.
-file(STRINGS python/pyproject.toml PELMORA_PYTHON_VERSION_LINE REGEX "^version = ")
+file(STRINGS ${PROJECT_SOURCE_DIR}/python/pyproject.toml PELMORA_PYTHON_VERSION_LINE REGEX "^version = ")
 if(NOT PELMORA_PYTHON_VERSION_LINE STREQUAL "version = \"${PROJECT_VERSION}\"")
   message(FATAL_ERROR "python/pyproject.toml says '${PELMORA_PYTHON_VERSION_LINE}' but the library is "
     "${PROJECT_VERSION}: the package carries the library's version")
