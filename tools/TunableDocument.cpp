@@ -153,6 +153,12 @@ TunableDocument TunableDocument::Load(const std::string& path, const std::vector
         if (found == config.gestures.end()) throw std::runtime_error(path + ": the configuration has no gesture \"" + name + "\"");
         if (std::count_if(config.gestures.begin(), config.gestures.end(), named) > 1)
             throw std::runtime_error(path + ": gesture \"" + name + "\" is declared twice; the library finds only the later one");
+        // A later gesture of a clone's name would hide the clone.
+        for (const GestureEntry& other : config.gestures) {
+            if (other.name.rfind(name + "#", 0) == 0)
+                throw std::runtime_error(PlaceText(path, other.place) + ": gesture \"" + other.name + "\" takes a name that tuning \"" +
+                                         name + "\" gives its candidates; rename it");
+        }
         const size_t element = ElementOffset(document.text, locate.lines, "Gesture", found->place.row, RankOnLine(gesturePlaces, found->place));
         const TextSpan nameText = element == std::string::npos ? TextSpan() : AttributeText(document.text, element, "name");
         const size_t close = element == std::string::npos ? element : document.text.find("</Gesture", element);
