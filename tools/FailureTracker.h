@@ -18,7 +18,7 @@ namespace PelmoraTool {
 struct Failure {
     int qualification = -1;  // -1: none failed on re-check
     bool reset = false;      // the failing qualification restarts the gesture
-    double left = std::nan("");   // what it compared, when its operands were given
+    double left = std::nan("");  // what it compared, when its operands were given
     double right = std::nan("");
 };
 
@@ -27,7 +27,8 @@ public:
     // Valid between evaluations only: after UpdateSketonDataImmediate has
     // returned, or once the worker has published the player's results.
     // `operands`, when given, are those of the record's segment, in order.
-    static Failure Explain(int player, const PelmoraResult24& record, const std::vector<OperandPair>* operands = nullptr);
+    static Failure Explain(int player, const PelmoraResult24& record,
+                           const std::vector<OperandPair>* operands = nullptr);
 };
 
 }  // namespace PelmoraTool

@@ -11,7 +11,7 @@
 namespace PelmoraLib {
 class BaseValue;
 class IdentifyValues;
-}
+}  // namespace PelmoraLib
 
 namespace PelmoraTool {
 

@@ -314,7 +314,8 @@ uint32_t Replay::HandleFailure(int player, double timeMs, const PelmoraResult24&
 
 const std::vector<OperandPair>* Replay::SegmentOperands(int player, uint32_t gesture, uint32_t segment) const {
     if (!m_Options.keepTimeline || gesture >= m_LaneOf.size() || m_LaneOf[gesture] < 0) return nullptr;
-    const std::vector<std::vector<OperandPair>>& segments = m_Players[player].operands[static_cast<size_t>(m_LaneOf[gesture])];
+    const std::vector<std::vector<OperandPair>>& segments =
+        m_Players[player].operands[static_cast<size_t>(m_LaneOf[gesture])];
     return segment < segments.size() ? &segments[segment] : nullptr;
 }
 

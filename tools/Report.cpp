@@ -224,15 +224,15 @@ void WriteTimeline(std::ostream& out, const PlayerTimeline& player, size_t index
 // How a comparison reads with the followed operand on its left.
 struct ComparisonWords {
     const char* symbol;
-    const char* nearest;  // the followed operand's nearest value
+    const char* nearest;                        // the followed operand's nearest value
     Qualification::QualificationEnum mirrored;  // the kind with the operands swapped
 };
 
 const ComparisonWords& WordsFor(Qualification::QualificationEnum kind) {
     static const ComparisonWords words[] = {
-        {"=", "came closest at", Qualification::Equal},     {"!=", "", Qualification::NoEqual},
-        {"&gt;", "peaked at", Qualification::Less},         {"&lt;", "bottomed out at", Qualification::Greate},
-        {"&gt;=", "peaked at", Qualification::ELess},       {"&lt;=", "bottomed out at", Qualification::EGreate}};
+        {"=", "came closest at", Qualification::Equal}, {"!=", "", Qualification::NoEqual},
+        {"&gt;", "peaked at", Qualification::Less},     {"&lt;", "bottomed out at", Qualification::Greate},
+        {"&gt;=", "peaked at", Qualification::ELess},   {"&lt;=", "bottomed out at", Qualification::EGreate}};
     return words[kind];
 }
 
@@ -255,8 +255,8 @@ std::string ApproachText(const WhyNot& why) {
     const ComparisonWords& words = WordsFor(leftFollowed ? kind : WordsFor(kind).mirrored);
     const double value = leftFollowed ? why.closest.left : why.closest.right;
     const double other = leftFollowed ? why.closest.right : why.closest.left;
-    return Escape(IsReference(followed) ? followed.substr(1) : followed) + " " + words.nearest + " " + Measured(value, other) +
-           " (" + Seconds(why.closest.timeMs) + "), needs " + words.symbol + " " +
+    return Escape(IsReference(followed) ? followed.substr(1) : followed) + " " + words.nearest + " " +
+           Measured(value, other) + " (" + Seconds(why.closest.timeMs) + "), needs " + words.symbol + " " +
            Threshold(leftFollowed ? q.value2 : q.value1, other);
 }
 
@@ -286,7 +286,8 @@ std::string MissesText(const GestureLane& lane) {
     if (lane.labelledRuns == 0) return "";
     std::string text = std::to_string(lane.missedRuns) + " of " + std::to_string(lane.labelledRuns);
     for (const MissedRun& miss : lane.misses) text += "<br>from " + Seconds(miss.startMs) + ": " + MissText(miss.why);
-    if (lane.missedRuns > lane.misses.size()) text += "<br>and " + std::to_string(lane.missedRuns - lane.misses.size()) + " more";
+    if (lane.missedRuns > lane.misses.size())
+        text += "<br>and " + std::to_string(lane.missedRuns - lane.misses.size()) + " more";
     return text;
 }
 

@@ -58,12 +58,12 @@ struct WhyNot {
     uint64_t waitingChecks = 0;
     int qualification = -1;  // -1: no single qualification was found failing
     uint64_t decidingChecks = 0;
-    std::string description;   // of the qualification as written, when known
+    std::string description;  // of the qualification as written, when known
     QualificationEntry entry;
     Approach closest;
 };
 
-using QualificationKey = std::pair<uint32_t, int>;  // (segment, qualification)
+using QualificationKey = std::pair<uint32_t, int>;                        // (segment, qualification)
 using QualificationTable = std::vector<std::vector<QualificationEntry>>;  // as written, by segment
 
 // The failed checks of a gesture over some time: how many per segment and
@@ -75,8 +75,8 @@ struct FailureCounts {
 
     // `left` and `right` are what the failing qualification compared (NaN
     // when unknown).
-    void Count(const QualificationTable& qualifications, uint32_t segment, int qualification, double timeMs, double left,
-               double right);
+    void Count(const QualificationTable& qualifications, uint32_t segment, int qualification, double timeMs,
+               double left, double right);
     WhyNot Explain(const QualificationTable& qualifications) const;
 };
 
@@ -97,7 +97,7 @@ struct GestureLane {
     FailureCounts failures;           // over the whole recording
     uint64_t labelledRuns = 0;        // runs labelled with the gesture's name
     uint64_t missedRuns = 0;
-    std::vector<MissedRun> misses;    // the first kListedMisses
+    std::vector<MissedRun> misses;  // the first kListedMisses
 
     TimeBuckets buckets;
 
