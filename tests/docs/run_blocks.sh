@@ -18,6 +18,8 @@
 # the built library.
 # An indented code block or an unknown fence word fails the test, so no
 # command escapes by its form.
+# Links between the pages (and from the README) must lead to a file and,
+# with #anchor, to one of its headings.
 # Usage: run_blocks.sh SOURCE_DIR BUILD_DIR (every page of SOURCE_DIR/docs)
 set -euo pipefail
 
@@ -26,7 +28,7 @@ work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
 
 declare -A ran=()
-compared=0 skipped=0 unrun=0
+compared=0 skipped=0 unrun=0 links=0
 fail() { echo "FAIL: $*" >&2; exit 1; }
 
 export PATH="$build_dir/tools:$PATH" PELMORA_LIBRARY="$build_dir/libPelmora64.so"
@@ -56,6 +58,21 @@ expect_output() {
             { cat last.out >&2; fail "$where: the output shown has '$line', the block printed the above"; }
     done <<<"$2"
     compared=$((compared + 1))
+}
+
+# check_links PAGE: every link to a page of the docs (or the tree) names a
+# file that exists and, with #anchor, a heading of that page.
+check_links() {
+    local page="$1" link target anchor
+    while IFS= read -r link; do
+        target="${link%%#*}" anchor=""
+        [[ "$link" == *"#"* ]] && anchor="${link#*#}"
+        target="$(dirname "$page")/${target:-$(basename "$page")}"
+        [ -e "$target" ] || fail "$(basename "$page"): the link $link names no file"
+        [ -z "$anchor" ] || grep '^#' "$target" | sed -E 's/^#+ +//; s/[A-Z]/\L&/g; s/[^a-z0-9 _-]//g; s/ /-/g' |
+            grep -qxF -- "$anchor" || fail "$(basename "$page"): the link $link names no heading"
+        links=$((links + 1))
+    done < <(grep -oE '\]\([^) ]+\)' "$page" | sed -E 's/^\]\((.*)\)$/\1/' | grep -v '^[a-z]*:')
 }
 
 # block PAGE LINE INFO TEXT
@@ -111,11 +128,13 @@ for page in "$source_dir"/docs/*.md; do
         [[ "$line" =~ ^[[:space:]]*$ ]] && blank=1 || blank=0
     done <"$page"
     [ -z "$fence" ] || fail "$name.md:$start: a fence that is never closed"
+    check_links "$page"
 done
+check_links "$source_dir/README.md"
 
 total=0 summary=""
 for kind in sh python c cpp xml; do
     total=$((total + ${ran[$kind]:-0})) summary+=", $kind ${ran[$kind]:-0}"
 done
 echo "docs: ran $total code blocks (${summary#, }) and compared $compared outputs;" \
-    "$unrun syntax blocks read, $skipped no-run commands left to the reader"
+    "$unrun syntax blocks read, $skipped no-run commands left to the reader; $links links lead somewhere"
