@@ -61,6 +61,9 @@ def sidefeat(s, sign):
     fn('DIV', '@'+st, '@'+st, '@'+seg)
     # where the hand is, in arm lengths from its shoulder
     proj(s+'HandReach', hfs, 'ForwardDir', seg)
+    # how fast the hand moves, in arm lengths per second
+    hs = s+'HandSpeed'; val('float', hs)
+    fn('LENGTH', '@'+hs, '@V_'+s+'Hand'); fn('DIV', '@'+hs, '@'+hs, '@'+seg); fn('MUL', '@'+hs, '@'+hs, '1000.0')
     # how fast the hand moves forward, in arm lengths per second
     hp = s+'HandPush'; val('float', hp)
     fn('DOT', '@'+hp, '@V_'+s+'Hand', '@ForwardDir'); fn('DIV', '@'+hp, '@'+hp, '@'+seg); fn('MUL', '@'+hp, '@'+hp, '1000.0')
@@ -79,8 +82,8 @@ def sidefeat(s, sign):
     proj(s+'FootForward', ffh, 'ForwardDir', 'TorsoLength')
     proj(s+'FootOut', ffh, 'RightDir', 'TorsoLength', True)
     proj(s+'FootUp', ffh, 'UpDir', 'TorsoLength')
-    fk = s+'FootFromKnee'; val('vector3', fk); fn('SUB', '@'+fk, '@P_'+s+'Foot', '@P_'+s+'Knee')
-    proj(s+'FootAboveKnee', fk, 'UpDir', 'TorsoLength')
+    # how much further out than forward the foot is
+    fs = s+'FootSideways'; val('float', fs); fn('SUB', '@'+fs, '@'+s+'FootOut', '@'+s+'FootForward')
     ls = s+'LegStretch'; lseg = s+'LegSegment'
     val('float', ls); val('float', lseg)
     fn('DISTANCE', '@'+lseg, '@P_'+s+'Hip', '@P_'+s+'Knee')
@@ -115,6 +118,13 @@ for n, joint in HEIGHTS:
     fn('DOT', '@'+n+'Rise', '@Drift', '@UpReference')
     fn('DIV', '@'+n+'Rise', '@'+n+'Rise', '@TorsoLength')
     fn('MUL', '@Drift', '@Drift', '0.03'); fn('ADD', '@'+n+'Anchor', '@'+n+'Anchor', '@Drift')
+# HandsFromHead follows the hands' mean distance from the head at 10% a frame,
+# so a hand passing the head does not count as resting near it.
+val('float', 'HandsNearHead'); val('float', 'HandsFromHead')
+fn('ADD', '@HandsNearHead', '@RightHandNearHead', '@LeftHandNearHead'); fn('MUL', '@HandsNearHead', '@HandsNearHead', '0.5')
+fn('SUB', '@HandsNearHead', '@HandsNearHead', '@HandsFromHead'); fn('MUL', '@HandsNearHead', '@HandsNearHead', '0.1'); fn('ADD', '@HandsFromHead', '@HandsFromHead', '@HandsNearHead')
+# how far the right hand is to the left of the left hand, in shoulder widths
+val('float', 'HandsCrossed'); fn('SUB', '@HandsCrossed', '@LeftHandAcross', '@RightHandAcross')
 val('float', 'HandsGap'); fn('DISTANCE', '@HandsGap', '@P_RightHand', '@P_LeftHand'); fn('DIV', '@HandsGap', '@HandsGap', '@ShoulderWidth')
 val('float', 'TorsoUpright'); fn('DOT', '@TorsoUpright', '@UpDir', '@UpReference')
 val('float', 'FeetRiseGap'); fn('SUB', '@FeetRiseGap', '@RightFootRise', '@LeftFootRise'); fn('ABS', '@FeetRiseGap', '@FeetRiseGap')
@@ -133,52 +143,66 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G('Raise'+s+'Hand', 'the %s hand goes from below the head to above it while the %s hand stays down' % (s.lower(), o.lower()),
       [q(s+'HandAboveHead', '<', '-0.3')],
       [within(2000), q(s+'HandAboveHead', '>', '0.15'), q(s+'ArmStraight', '>', '0.85'), q(s+'HandOut', '<', '0.4'), q(o+'HandAboveHead', '<', '-0.5')] + grounded)
-G('RaiseBothArms', 'both arms swing up outstretched sideways until both hands are above the head',
-  [q('RightHandRise', '<', '-0.3'), q('LeftHandRise', '<', '-0.3')],
-  [within(2000), q('RightHandOut', '>', '0.7'), q('LeftHandOut', '>', '0.7'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85')],
-  [within(2000), q('RightHandAboveHead', '>', '0.1'), q('LeftHandAboveHead', '>', '0.1')] + grounded)
+straight_up = [q('RightHandRise', '>', '0.5', True), q('LeftHandRise', '>', '0.5', True), q('RightArmStraight', '>', '0.9', True), q('LeftArmStraight', '>', '0.9', True),
+               q('RightHandNearHead', '>', '0.96', True), q('LeftHandNearHead', '>', '0.96', True)]
+G('RaiseBothArms', 'both arms swing up outstretched sideways until both hands are well above the shoulders, arms straight and away from the head, and stay there a moment',
+  [q('RightHandRise', '<', '-0.1'), q('LeftHandRise', '<', '-0.1')],
+  [within(2000), q('RightHandOut', '>', '0.53'), q('LeftHandOut', '>', '0.53'), q('RightArmStraight', '>', '0.9'), q('LeftArmStraight', '>', '0.9')],
+  [within(1200), q('RightHandRise', '>', '0.5'), q('LeftHandRise', '>', '0.5'), q('RightArmStraight', '>', '0.9'), q('LeftArmStraight', '>', '0.9'),
+   q('RightHandNearHead', '>', '1.12'), q('LeftHandNearHead', '>', '1.12')] + grounded,
+  straight_up + [held(300)])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
-    up = [q(s+'ForearmRise', '>', '0.2', True)]
+    up = lambda rise: [q(s+'ForearmRise', '>', rise, True)]
     G('Wave'+s+'Hand', 'the %s forearm, raised, swings out, in and out again while the %s hand stays low; the hand must come down before the next wave counts' % (s.lower(), o.lower()),
-      [q(s+'ForearmRise', '<', '0.0')],
+      [q(s+'ForearmRise', '<', '0.1')],
       [within(3000), q(s+'ForearmRise', '>', '0.2'), q(s+'ForearmOut', '<', '-0.1'), q(o+'HandRise', '<', '-0.3')],
-      [within(800)] + up + [q(s+'ForearmOut', '>', '0.1')],
-      [within(800)] + up + [q(s+'ForearmOut', '<', '-0.1')],
-      [within(800)] + up + [q(s+'ForearmOut', '>', '0.1')])
+      [within(800)] + up('0.1') + [q(s+'ForearmOut', '>', '0.0')],
+      [within(800)] + up('0.2') + [q(s+'ForearmOut', '<', '-0.1')],
+      [within(800)] + up('0.0') + [q(s+'ForearmOut', '>', '0.1')])
 chest = lambda s: [q(s+'HandRise', '>', '-0.7'), q(s+'HandRise', '<', '0.25')]
-G('SwipeLeft', "the right hand sweeps across the body, at chest height, from the right of the neck to the person's left",
-  [q('RightHandAcross', '>', '0.6'), q('RightHandReach', '>', '0.2')] + chest('Right'),
-  [within(600), q('RightHandAcross', '<', '-0.3')] + chest('Right'))
-G('SwipeRight', "the right hand sweeps back across the body, at chest height, from the left of the neck to the person's right",
-  [q('RightHandAcross', '<', '-0.3'), q('RightHandReach', '>', '0.2')] + chest('Right'),
-  [within(600), q('RightHandAcross', '>', '0.6')] + chest('Right'))
+# A swipe is one stroke: the right hand comes up from low on one side, sweeps
+# across and drops again, the left hand staying down. Drawing in the air
+# keeps the hand up from one stroke to the next.
+def swipe(name, comment, start, end):
+    G(name, comment,
+      [q('RightHandRise', '<', '-0.6')],
+      [within(1200), start, q('RightHandRise', '>', '-0.3'), q('RightHandReach', '>', '0.3'), q('LeftHandRise', '<', '-0.5')],
+      [within(640), end, q('RightHandRise', '>', '-0.4'), q('LeftHandRise', '<', '-0.5')],
+      [within(770), q('RightHandRise', '<', '-0.86')])
+swipe('SwipeLeft', "the right hand comes up on the person's right, sweeps across the body to the left and drops",
+      q('RightHandAcross', '>', '0.5'), q('RightHandAcross', '<', '-0.2'))
+swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back across the body to the right and drops",
+      q('RightHandAcross', '<', '-0.2'), q('RightHandAcross', '>', '1.55'))
 G('PushRight', "the right hand pushes out to the person's right at shoulder height, arm straight, the left hand staying in",
   [q('RightHandOut', '<', '0.4')],
   [within(1200), q('RightHandOut', '>', '0.8'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.5'), q('RightHandRise', '<', '0.5'), q('LeftHandOut', '<', '0.5')] + grounded)
-for s in ('Right', 'Left'):
-    G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard' % s.lower(),
-      [q(s+'HandReach', '<', '0.7')],
-      [within(400), q(s+'HandReach', '>', '0.4'), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.5')],
-      [within(400), q(s+'HandReach', '>', '0.75'), q(s+'ArmStraight', '>', '0.9')])
-for s, o, fwd in (('Right', 'Left', '0.6'), ('Left', 'Right', '0.9')):
-    G('Front'+s+'Kick', 'the %s foot leaves the floor and snaps forward, below the knee, the other foot staying down' % s.lower(),
-      [q(s+'FootUp', '<', '-1.6')],
-      [within(1000), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.3'), q(s+'FootForward', '>', fwd), q(s+'FootAboveKnee', '<', '-0.8'), q(o+'FootRise', '<', '0.2')])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
-    G('Side'+s+'Kick', 'the %s foot leaves the floor and is driven out sideways, level with the knee, the other foot staying down' % s.lower(),
+    G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard to shoulder height while the %s hand keeps its guard' % (s.lower(), o.lower()),
+      [q(s+'HandReach', '<', '0.7')],
+      [within(360), q(s+'HandReach', '>', '0.4'), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.5')],
+      [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmStraight', '>', '0.99'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.85'), q('HandsGap', '>', '1.0')])
+# A front kick drives the foot more forward than out; a side kick more out
+# than forward. The foot going out first (a side kick's chamber) cancels a
+# front kick, so one kick is not both.
+for s, o in (('Right', 'Left'), ('Left', 'Right')):
+    G('Front'+s+'Kick', 'the %s foot leaves the floor and snaps forward, more forward than out, the other foot staying down' % s.lower(),
       [q(s+'FootUp', '<', '-1.6')],
-      [within(600), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.3'), q(s+'FootOut', '>', '0.6'), q(s+'FootAboveKnee', '>', '-0.8'), q(o+'FootRise', '<', '0.2')])
+      [within(1150), q(s+'FootSideways', '<', '0.45', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2')])
+for s, o in (('Right', 'Left'), ('Left', 'Right')):
+    G('Side'+s+'Kick', 'the %s foot leaves the floor and is driven out sideways, more out than forward, the other foot staying down' % s.lower(),
+      [q(s+'FootUp', '<', '-1.92')],
+      [within(600), q(s+'FootUp', '>', '-1.72'), q(s+'FootRise', '>', '0.35'), q(s+'FootOut', '>', '0.83'), q(s+'FootSideways', '>', '0.45'), q(o+'FootRise', '<', '0.2')])
 G('Jump', 'the waist and both feet rise together above their anchors, then the body lands',
   [q('WaistRise', '<', '0.05')],
   [within(600), q('WaistRise', '>', '0.2'), q('RightFootRise', '>', '0.15'), q('LeftFootRise', '>', '0.15'), q('FeetRiseGap', '<', '0.3')],
   [within(1000), q('WaistRise', '<', '0.1')])
 G('Duck', 'from standing, the knees bend until the hips drop well below their standing height',
   [q('LegStretch', '>', '0.9')],
-  [within(2500), q('LegStretch', '<', '0.8')] + grounded)
+  [within(2750), q('LegStretch', '<', '0.8'), q('RightFootRise', '<', '0.05'), q('LeftFootRise', '<', '0.05')])
 G('Bow', 'with straight legs the torso bends forward over the hips and comes back up',
-  [q('TorsoThigh', '<', '-0.85')],
-  [within(2000), q('TorsoThigh', '>', '-0.6'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85')] + grounded,
-  [within(3000), q('TorsoThigh', '<', '-0.95')] + grounded)
+  [q('TorsoThigh', '<', '-0.68')],
+  [within(2000), q('TorsoThigh', '>', '-0.86'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85')] + grounded,
+  [within(3600), q('TorsoThigh', '<', '-0.95'), q('RightFootRise', '<', '0.0'), q('LeftFootRise', '<', '0.0')])
 tpose = [q('RightHandOut', '>', '0.8'), q('LeftHandOut', '>', '0.8'), q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.3'),
          q('LeftHandRise', '>', '-0.3'), q('LeftHandRise', '<', '0.3'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85')]
 G('TPose', 'both arms held straight out sideways at shoulder height for a second',
@@ -190,31 +214,46 @@ G('Stop', 'the right palm is pushed toward the sensor at shoulder height and hel
   [within(1500), q('RightHandReach', '>', '0.75'), q('RightHandOut', '<', '0.35'), q('RightHandRise', '>', '-0.35'), q('RightHandRise', '<', '0.35'), q('RightForearmRise', '>', '0.0')],
   [q('RightHandReach', '>', '0.7', True), q('RightHandOut', '<', '0.35', True), q('RightHandRise', '>', '-0.35', True), q('RightHandRise', '<', '0.35', True), held(800)])
 
-G('CrossArms', 'the forearms cross in front of the chest, each hand past the middle of the body, and stay crossed',
-  [q('RightHandAcross', '>', '0.3'), q('LeftHandAcross', '<', '-0.3')],
-  [within(2000), q('RightHandAcross', '<', '-0.3'), q('LeftHandAcross', '>', '0.3')] + chest('Right') + chest('Left'),
-  R([q('RightHandAcross', '<', '-0.2'), q('LeftHandAcross', '>', '0.2')]) + [held(300)])
+G('CrossArms', 'the forearms cross in front of the chest, the right hand well to the left of the left hand, and stay crossed',
+  [q('HandsCrossed', '<', '-0.6')],
+  [within(2000), q('HandsCrossed', '>', '0.35')] + chest('Right') + chest('Left'),
+  [q('HandsCrossed', '>', '0.2', True), held(300)])
 G('Clap', 'both hands, apart in front of the chest, come together and part again',
   [q('HandsGap', '>', '1.3')] + chest('Right') + chest('Left'),
-  [within(800), q('HandsGap', '<', '0.35'), q('RightHandReach', '>', '0.3'), q('LeftHandReach', '>', '0.3')] + chest('Right') + chest('Left'),
-  [within(600), q('HandsGap', '>', '0.6')])
-G('PushBothHands', 'both hands push forward together from the chest until both arms are straight at chest height',
-  [q('RightHandReach', '<', '0.4'), q('LeftHandReach', '<', '0.4')],
-  [within(1000), q('RightHandReach', '>', '0.85'), q('LeftHandReach', '>', '0.85'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85'),
-   q('HandsGap', '>', '0.7'), q('HandsGap', '<', '1.6')] + chest('Right') + chest('Left'))
-G('Shoot', 'both hands, together, are raised from low and pointed straight forward at chest height',
-  [q('RightHandReach', '<', '0.4'), q('LeftHandReach', '<', '0.4')],
-  [within(1500), q('RightHandReach', '>', '0.9'), q('LeftHandReach', '>', '0.9'), q('HandsGap', '<', '0.4')] + chest('Right') + chest('Left'))
+  [within(800), q('HandsGap', '<', '0.25'), q('RightHandReach', '>', '0.4'), q('LeftHandReach', '>', '0.4')] + chest('Right') + chest('Left'),
+  [within(600), q('HandsGap', '>', '0.48')])
+G('PushBothHands', 'standing, both hands push forward together from the chest until both arms are straight at chest height',
+  [q('RightHandReach', '<', '0.3'), q('LeftHandReach', '<', '0.3')],
+  [within(1200), q('RightHandReach', '>', '0.85'), q('LeftHandReach', '>', '0.85'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85'),
+   q('HandsGap', '>', '1.0'), q('HandsGap', '<', '1.28'), q('LegStretch', '>', '0.9')] + chest('Right') + chest('Left'))
+G('Shoot', 'both hands, together, are raised from low and pointed straight forward at chest height, then kick up with the recoil',
+  [q('RightHandReach', '<', '0.86'), q('LeftHandReach', '<', '0.86')],
+  [within(1500), q('RightHandReach', '>', '0.8'), q('LeftHandReach', '>', '0.8'), q('HandsGap', '<', '0.4')] + chest('Right') + chest('Left'),
+  [within(1500), q('RightHandRise', '>', '0.15'), q('LeftHandRise', '>', '0.15'), q('HandsGap', '<', '0.3')])
 G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles',
-  [q('RightHandRise', '<', '-0.5'), q('LeftHandRise', '<', '-0.5')],
+  [q('RightHandRise', '<', '-0.6'), q('LeftHandRise', '<', '-0.6')],
   [within(2500), q('RightHandNearHead', '<', '0.8'), q('LeftHandNearHead', '<', '0.8'), q('RightHandAboveHead', '<', '0.0'), q('LeftHandAboveHead', '<', '0.0'),
-   q('RightHandReach', '>', '-0.2'), q('LeftHandReach', '>', '-0.2')])
+   q('RightHandReach', '>', '0.3'), q('LeftHandReach', '>', '0.3')])
 G('Throw', 'the right hand, cocked back beside the head, is thrown fast forward',
-  [q('RightHandReach', '<', '0.1'), q('RightHandRise', '>', '0.0')],
+  [q('RightHandReach', '<', '0.3'), q('RightHandRise', '>', '0.4')],
   [within(800), q('RightHandReach', '>', '0.7'), q('RightHandPush', '>', '2.0')])
 G('HadEnough', 'both hands come up from low to the top of the head, as if in despair',
+  [q('RightHandRise', '<', '-0.4'), q('LeftHandRise', '<', '-0.4')],
+  [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandAboveHead', '>', '0.0'), q('LeftHandAboveHead', '>', '0.0')])
+G('WindItUp', 'both hands come up in front of the chest, then swing out wide to the sides and down, as if winding up',
+  [q('RightHandRise', '<', '-0.125'), q('LeftHandRise', '<', '-0.125')],
+  [within(1500), q('RightHandRise', '>', '-0.075'), q('LeftHandRise', '>', '-0.075'), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.35'),
+   q('RightHandOut', '<', '0.35'), q('LeftHandOut', '<', '0.35')],
+  [within(1050), q('RightHandOut', '>', '0.4'), q('LeftHandOut', '>', '0.4'), q('RightHandRise', '<', '0.0'), q('LeftHandRise', '<', '0.0')])
+G('ChangeWeapon', 'the right hand reaches up over the left shoulder, then both hands come forward together at the waist',
+  [q('RightHandAcross', '>', '0.2'), q('RightHandRise', '<', '-0.2')],
+  [within(2300), q('RightHandAcross', '<', '-0.375'), q('RightHandRise', '>', '0.0')],
+  [within(2000), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.35'), q('RightHandRise', '<', '0.1'), q('HandsGap', '<', '1.8')])
+G('BeatBoth', 'both hands, raised to the height of the head but kept away from it, keep beating for a while, then come down',
   [q('RightHandRise', '<', '-0.5'), q('LeftHandRise', '<', '-0.5')],
-  [within(3500), q('RightHandNearHead', '<', '0.5'), q('LeftHandNearHead', '<', '0.5'), q('RightHandAboveHead', '>', '0.0'), q('LeftHandAboveHead', '>', '0.0')])
+  [within(2400), q('RightHandRise', '>', '0.3'), q('LeftHandRise', '>', '0.3')],
+  [q('RightHandRise', '>', '-0.1', True), q('LeftHandRise', '>', '-0.1', True), q('HandsFromHead', '>', '0.68', True), held(1800)],
+  [within(3500), q('RightHandRise', '<', '-0.2'), q('LeftHandRise', '<', '-0.2')])
 
 def attr(v): return v.replace('&', '&amp;').replace('<', '&lt;').replace('"', '&quot;')
 out = []
