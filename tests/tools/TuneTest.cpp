@@ -111,6 +111,9 @@ TEST(TuneTest, WrittenDocumentScoresAsReportedAndKeepsItsText) {
         EXPECT_EQ(result.at("tuned").at("f1"), 1.0) << variant.number;
         EXPECT_EQ(result.at("loso").at("f1"), 1.0) << variant.number;
         EXPECT_EQ(Printed("evaluate " + output + " " + data).at("gestures").at(0), result.at("tuned")) << variant.number;
+        const nlohmann::json loso = Printed("tune " + config + " " + data + " --gestures RaiseHand --bounds 0.1:2 --loso only" + variant.values);
+        EXPECT_EQ(loso.at("gestures").at(0), result.at("loso")) << variant.number;
+        EXPECT_EQ(loso.at("subjects").size(), 2u) << variant.number;
         std::string value;
         for (const nlohmann::json& constant : result.at("constants")) {
             if (constant.at("before") == "0.9") value = constant.at("tuned");
