@@ -179,8 +179,8 @@ G('PushRight', "the right hand pushes out to the person's right at shoulder heig
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard to shoulder height while the %s hand keeps its guard' % (s.lower(), o.lower()),
       [q(s+'HandReach', '<', '0.7')],
-      [within(360), q(s+'HandReach', '>', '0.4'), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.5')],
-      [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmStraight', '>', '0.99'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.85'), q('HandsGap', '>', '1.0')])
+      [within(360), q(s+'HandReach', '>', '0.4'), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.75')],
+      [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmStraight', '>', '0.99'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.85'), q('HandsGap', '>', '1.33')])
 # A front kick drives the foot more forward than out; a side kick more out
 # than forward. The foot going out first (a side kick's chamber) cancels a
 # front kick, so one kick is not both.
@@ -222,8 +222,8 @@ G('Clap', 'both hands, apart in front of the chest, come together and part again
   [q('HandsGap', '>', '1.3')] + chest('Right') + chest('Left'),
   [within(800), q('HandsGap', '<', '0.25'), q('RightHandReach', '>', '0.4'), q('LeftHandReach', '>', '0.4')] + chest('Right') + chest('Left'),
   [within(600), q('HandsGap', '>', '0.48')])
-G('PushBothHands', 'standing, both hands push forward together from the chest until both arms are straight at chest height',
-  [q('RightHandReach', '<', '0.3'), q('LeftHandReach', '<', '0.3')],
+G('PushBothHands', 'standing, both hands, raised to the chest, push forward together until both arms are straight at chest height (arms lifted straight, as for balance in a squat, do not start it)',
+  [q('RightHandReach', '<', '0.55'), q('LeftHandReach', '<', '0.55'), q('RightHandRise', '>', '-0.5'), q('LeftHandRise', '>', '-0.5')],
   [within(1200), q('RightHandReach', '>', '0.85'), q('LeftHandReach', '>', '0.85'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85'),
    q('HandsGap', '>', '1.0'), q('HandsGap', '<', '1.28'), q('LegStretch', '>', '0.9')] + chest('Right') + chest('Left'))
 G('Shoot', 'both hands, together, are raised from low and pointed straight forward at chest height, then kick up with the recoil',

@@ -1,6 +1,9 @@
 #!/usr/bin/env python3
-"""Measures the gesture catalogue on real recordings with `pelmora evaluate`
-and prints the per-gesture tables of docs/catalogue.md, one per dataset.
+"""Measures the gesture catalogue on real recordings and prints the
+per-gesture tables of docs/catalogue.md, one per dataset: by default the
+leave-one-subject-out figures of `pelmora tune --loso only` (each subject
+scored by the catalogue refitted on the other subjects), with --in-sample
+the figures of `pelmora evaluate` for the catalogue as it is.
 
 The datasets are read from ../shared/data (read-only) and unpacked or
 imported into a cache folder, never into the repository:
@@ -9,7 +12,8 @@ imported into a cache folder, never into the repository:
   UTD-MHAD  27 actions, one performance per recording
 Each dataset's labels map onto the catalogue through examples/labels/*.map.
 The tables give the figures pooled over subjects, the lowest F1 of any one
-subject and, with --baseline, the F1 of the catalogue at an earlier revision.
+subject and, with --baseline, the in-sample F1 of the catalogue at an earlier
+revision.
 """
 import argparse
 import csv
@@ -20,6 +24,7 @@ import subprocess
 import sys
 import tarfile
 import tempfile
+import time
 
 # name, folder in the cache, label form, matching window (ms before:after)
 DATASETS = [
@@ -70,11 +75,42 @@ def checkout(root, revision, folder):
     return os.path.join(folder, "catalogue.xml"), folder
 
 
+def data_options(labels, cache, folder, form, window):
+    return [os.path.join(cache, folder), "--map", os.path.join(labels, folder + ".map"), "--manifest",
+            os.path.join(cache, folder + ".tsv"), "--labels", form, "--window", window, "--format", "json"]
+
+
 def evaluate(pelmora, catalogue, labels, cache, folder, form, window):
-    command = [pelmora, "evaluate", catalogue, os.path.join(cache, folder), "--map",
-               os.path.join(labels, folder + ".map"), "--manifest", os.path.join(cache, folder + ".tsv"),
-               "--labels", form, "--window", window, "--format", "json"]
+    command = [pelmora, "evaluate", catalogue] + data_options(labels, cache, folder, form, window)
     return json.loads(subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout)
+
+
+def mapped_gestures(path):
+    """The gestures a label map names, in the order it first names them."""
+    names = []
+    with open(path) as lines:
+        for line in lines:
+            fields = line.split("#")[0].split()
+            for name in fields[1].split("|") if len(fields) == 2 else []:
+                if name not in ("none", "-") and name not in names:
+                    names.append(name)
+    return names
+
+
+def last_rows(rows):
+    # tune prints a row each time a gesture of it is fitted; the last holds them all
+    return list({row["gesture"]: row for row in rows}.values())
+
+
+def left_out(pelmora, catalogue, labels, cache, folder, form, window, passes):
+    gestures = mapped_gestures(os.path.join(labels, folder + ".map"))
+    command = [pelmora, "tune", catalogue] + data_options(labels, cache, folder, form, window) + [
+        "--gestures", ",".join(gestures), "--loso", "only", "--passes", str(passes)]
+    result = json.loads(subprocess.run(command, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                                       text=True).stdout)
+    result["gestures"] = last_rows(result["gestures"])
+    result["subjects"] = {subject: last_rows(rows) for subject, rows in result["subjects"].items()}
+    return result
 
 
 def cell(value, digits=2):
@@ -103,8 +139,9 @@ def table(name, result, baseline=None):
                      + (f" {cell(before.get(row['gesture']))} |" if before else ""))
     lines.append("")
     was = f" (before: {cell(baseline['macro_f1'])})" if baseline else ""
-    lines.append(f"Macro F1 {cell(result['macro_f1'])}{was} over {result['recordings']} recordings. "
-                 f"Other gestures' events (all false): {', '.join(others) or 'none'}.")
+    scored = [row["f1"] for row in result["gestures"] if row["performances"]]
+    lines.append(f"Macro F1 {cell(sum(scored) / len(scored))}{was} over {result['recordings']} recordings."
+                 + (f" Other gestures' events (all false): {', '.join(others)}." if others else ""))
     return "\n".join(lines)
 
 
@@ -117,7 +154,10 @@ def main():
     parser.add_argument("--data", default=os.path.join(os.path.dirname(root), "shared", "data"))
     parser.add_argument("--cache", default=os.path.join(root, "build", "data"))
     parser.add_argument("--baseline", metavar="REVISION", help="a git revision whose catalogue's F1 to print beside each gesture's")
+    parser.add_argument("--in-sample", action="store_true", help="the catalogue's own figures rather than left-out subjects'")
+    parser.add_argument("--passes", type=int, default=2, help="search passes of each left-out subject's refit")
     args = parser.parse_args()
+    started = time.monotonic()
 
     unpack(args.data, args.cache)
     import_precog(args.pelmora, args.data, args.cache)
@@ -126,10 +166,13 @@ def main():
         if args.baseline:
             earlier_catalogue, earlier_labels = checkout(root, args.baseline, earlier)
         for name, folder, form, window in DATASETS:
-            result = evaluate(args.pelmora, args.catalogue, labels, args.cache, folder, form, window)
+            result = (evaluate(args.pelmora, args.catalogue, labels, args.cache, folder, form, window) if args.in_sample
+                      else left_out(args.pelmora, args.catalogue, labels, args.cache, folder, form, window, args.passes))
             baseline = evaluate(args.pelmora, earlier_catalogue, earlier_labels, args.cache, folder, form, window) if args.baseline else None
             print(table(name, result, baseline))
             print()
+    minutes, seconds = divmod(round(time.monotonic() - started), 60)
+    print(f"Measured in {minutes} min {seconds} s.")
     sys.stdout.flush()
 
 
