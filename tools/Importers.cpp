@@ -170,11 +170,17 @@ void ReadPoints(const json& array, const char* what, std::vector<SkeletonSource:
     }
 }
 
+// The JSON parser refuses a number beyond a double's range (1e400) with an
+// exception of its own, not a parse error.
+constexpr const char* kNumberOutOfRange = "a number beyond the range of a double";
+
 json ParseJsonLine(const std::string& line) {
     try {
         return json::parse(line);
     } catch (const json::parse_error& error) {
         throw std::runtime_error("not JSON (at byte " + std::to_string(error.byte) + ")");
+    } catch (const json::out_of_range&) {
+        throw std::runtime_error(kNumberOutOfRange);
     }
 }
 
@@ -359,6 +365,8 @@ void Importers::FromAzureKinectJson(std::istream& in, RecordingWriter& out) {
         [[maybe_unused]] const json emptied = json::parse(text, read);
     } catch (const json::parse_error&) {
         throw std::runtime_error("line " + std::to_string(counted.Line()) + ": not JSON");
+    } catch (const json::out_of_range&) {
+        throw std::runtime_error("line " + std::to_string(counted.Line()) + ": " + kNumberOutOfRange);
     } catch (const std::runtime_error& error) {
         throw std::runtime_error("line " + std::to_string(counted.Line()) + ": " + error.what());
     }
