@@ -165,17 +165,18 @@ chest = lambda s: [q(s+'HandRise', '>', '-0.7'), q(s+'HandRise', '<', '0.25')]
 # keeps the hand up from one stroke to the next.
 def swipe(name, comment, start, end):
     G(name, comment,
-      [q('RightHandRise', '<', '-0.6')],
-      [within(1200), start, q('RightHandRise', '>', '-0.3'), q('RightHandReach', '>', '0.3'), q('LeftHandRise', '<', '-0.5')],
+      [q('RightHandRise', '<', '-0.82')],
+      [within(600), start, q('RightHandRise', '>', '-0.3'), q('RightHandReach', '>', '0.6'), q('LeftHandRise', '<', '-0.5')],
       [within(640), end, q('RightHandRise', '>', '-0.4'), q('LeftHandRise', '<', '-0.5')],
       [within(770), q('RightHandRise', '<', '-0.86')])
 swipe('SwipeLeft', "the right hand comes up on the person's right, sweeps across the body to the left and drops",
-      q('RightHandAcross', '>', '0.5'), q('RightHandAcross', '<', '-0.2'))
+      q('RightHandAcross', '>', '0.88'), q('RightHandAcross', '<', '-0.12'))
 swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back across the body to the right and drops",
       q('RightHandAcross', '<', '-0.2'), q('RightHandAcross', '>', '1.55'))
 G('PushRight', "the right hand pushes out to the person's right at shoulder height, arm straight, the left hand staying in",
-  [q('RightHandOut', '<', '0.4')],
-  [within(1200), q('RightHandOut', '>', '0.8'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.5'), q('RightHandRise', '<', '0.5'), q('LeftHandOut', '<', '0.5')] + grounded)
+  [q('RightHandOut', '<', '0.7')],
+  [within(2400), q('RightHandOut', '>', '0.8'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.5'), q('RightHandRise', '<', '0.25'), q('LeftHandOut', '<', '0.31'),
+   q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard to shoulder height while the %s hand keeps its guard' % (s.lower(), o.lower()),
       [q(s+'HandReach', '<', '0.7')],
@@ -219,9 +220,10 @@ G('CrossArms', 'the forearms cross in front of the chest, the right hand well to
   [within(2000), q('HandsCrossed', '>', '0.35')] + chest('Right') + chest('Left'),
   [q('HandsCrossed', '>', '0.2', True), held(300)])
 G('Clap', 'both hands, apart in front of the chest, come together and part again',
-  [q('HandsGap', '>', '1.3')] + chest('Right') + chest('Left'),
-  [within(800), q('HandsGap', '<', '0.25'), q('RightHandReach', '>', '0.4'), q('LeftHandReach', '>', '0.4')] + chest('Right') + chest('Left'),
-  [within(600), q('HandsGap', '>', '0.48')])
+  [q('HandsGap', '>', '1.3'), q('RightHandRise', '>', '-0.6'), q('RightHandRise', '<', '0.15'), q('LeftHandRise', '>', '-0.6'), q('LeftHandRise', '<', '0.15')],
+  [within(950), q('HandsGap', '<', '0.3'), q('RightHandReach', '>', '0.4'), q('LeftHandReach', '>', '0.4'),
+   q('RightHandRise', '>', '-0.44'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.44'), q('LeftHandRise', '<', '0.25')],
+  [within(600), q('HandsGap', '>', '0.39')])
 G('PushBothHands', 'standing, both hands, raised to the chest, push forward together until both arms are straight at chest height (arms lifted straight, as for balance in a squat, do not start it)',
   [q('RightHandReach', '<', '0.55'), q('LeftHandReach', '<', '0.55'), q('RightHandRise', '>', '-0.5'), q('LeftHandRise', '>', '-0.5')],
   [within(1200), q('RightHandReach', '>', '0.85'), q('LeftHandReach', '>', '0.85'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85'),
@@ -231,12 +233,12 @@ G('Shoot', 'both hands, together, are raised from low and pointed straight forwa
   [within(1500), q('RightHandReach', '>', '0.8'), q('LeftHandReach', '>', '0.8'), q('HandsGap', '<', '0.4')] + chest('Right') + chest('Left'),
   [within(1500), q('RightHandRise', '>', '0.15'), q('LeftHandRise', '>', '0.15'), q('HandsGap', '<', '0.3')])
 G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles',
-  [q('RightHandRise', '<', '-0.6'), q('LeftHandRise', '<', '-0.6')],
+  [q('RightHandRise', '<', '-0.75'), q('LeftHandRise', '<', '-0.75')],
   [within(2500), q('RightHandNearHead', '<', '0.8'), q('LeftHandNearHead', '<', '0.8'), q('RightHandAboveHead', '<', '0.0'), q('LeftHandAboveHead', '<', '0.0'),
-   q('RightHandReach', '>', '0.3'), q('LeftHandReach', '>', '0.3')])
+   q('RightHandReach', '>', '0.33'), q('LeftHandReach', '>', '0.33')])
 G('Throw', 'the right hand, cocked back beside the head, is thrown fast forward',
-  [q('RightHandReach', '<', '0.3'), q('RightHandRise', '>', '0.4')],
-  [within(800), q('RightHandReach', '>', '0.7'), q('RightHandPush', '>', '2.0')])
+  [q('RightHandReach', '<', '0.3'), q('RightHandRise', '>', '0.44')],
+  [within(600), q('RightHandReach', '>', '0.7'), q('RightHandPush', '>', '2.0')])
 G('HadEnough', 'both hands come up from low to the top of the head, as if in despair',
   [q('RightHandRise', '<', '-0.4'), q('LeftHandRise', '<', '-0.4')],
   [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandAboveHead', '>', '0.0'), q('LeftHandAboveHead', '>', '0.0')])
