@@ -201,9 +201,9 @@ G('Duck', 'from standing, the knees bend until the hips drop well below their st
   [q('LegStretch', '>', '0.9')],
   [within(2750), q('LegStretch', '<', '0.8'), q('RightFootRise', '<', '0.05'), q('LeftFootRise', '<', '0.05')])
 G('Bow', 'with straight legs the torso bends forward over the hips and comes back up',
-  [q('TorsoThigh', '<', '-0.68')],
-  [within(2000), q('TorsoThigh', '>', '-0.86'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85')] + grounded,
-  [within(3600), q('TorsoThigh', '<', '-0.95'), q('RightFootRise', '<', '0.0'), q('LeftFootRise', '<', '0.0')])
+  [q('TorsoThigh', '<', '-0.425')],
+  [within(1000), q('TorsoThigh', '>', '-0.86'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85'), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
+  [within(4275), q('TorsoThigh', '<', '-0.95'), q('RightFootRise', '<', '0.0'), q('LeftFootRise', '<', '0.0')])
 tpose = [q('RightHandOut', '>', '0.8'), q('LeftHandOut', '>', '0.8'), q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.3'),
          q('LeftHandRise', '>', '-0.3'), q('LeftHandRise', '<', '0.3'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85')]
 G('TPose', 'both arms held straight out sideways at shoulder height for a second',
@@ -248,14 +248,14 @@ G('WindItUp', 'both hands come up in front of the chest, then swing out wide to 
    q('RightHandOut', '<', '0.35'), q('LeftHandOut', '<', '0.35')],
   [within(1050), q('RightHandOut', '>', '0.4'), q('LeftHandOut', '>', '0.4'), q('RightHandRise', '<', '0.0'), q('LeftHandRise', '<', '0.0')])
 G('ChangeWeapon', 'the right hand reaches up over the left shoulder, then both hands come forward together at the waist',
-  [q('RightHandAcross', '>', '0.2'), q('RightHandRise', '<', '-0.2')],
+  [q('RightHandAcross', '>', '0.2'), q('RightHandRise', '<', '-0.33')],
   [within(2300), q('RightHandAcross', '<', '-0.375'), q('RightHandRise', '>', '0.0')],
-  [within(2000), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.35'), q('RightHandRise', '<', '0.1'), q('HandsGap', '<', '1.8')])
+  [within(2750), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.175'), q('RightHandRise', '<', '0.1'), q('HandsGap', '<', '2.48')])
 G('BeatBoth', 'both hands, raised to the height of the head but kept away from it, keep beating for a while, then come down',
-  [q('RightHandRise', '<', '-0.5'), q('LeftHandRise', '<', '-0.5')],
-  [within(2400), q('RightHandRise', '>', '0.3'), q('LeftHandRise', '>', '0.3')],
-  [q('RightHandRise', '>', '-0.1', True), q('LeftHandRise', '>', '-0.1', True), q('HandsFromHead', '>', '0.68', True), held(1800)],
-  [within(3500), q('RightHandRise', '<', '-0.2'), q('LeftHandRise', '<', '-0.2')])
+  [q('RightHandRise', '<', '-0.69'), q('LeftHandRise', '<', '-0.69')],
+  [within(3300), q('RightHandRise', '>', '0.41'), q('LeftHandRise', '>', '0.41')],
+  [q('RightHandRise', '>', '-0.16', True), q('LeftHandRise', '>', '-0.16', True), q('HandsFromHead', '>', '0.68', True), held(1800)],
+  [within(3500), q('RightHandRise', '<', '-0.14'), q('LeftHandRise', '<', '-0.14')])
 
 def attr(v): return v.replace('&', '&amp;').replace('<', '&lt;').replace('"', '&quot;')
 out = []
