@@ -137,6 +137,11 @@ def held(ms): return ('@SegmentTime', '>=', str(ms), False)
 def q(v, op, t, reset=False): return ('@'+v, op, t, reset)
 grounded = [('@RightFootRise', '<', '0.2', False), ('@LeftFootRise', '<', '0.2', False)]
 def R(items): return [(a, b, c, True) for (a, b, c, _) in items]
+# A move's timeout runs from the moment the move begins, not from rest: a
+# segment without a timeout waits for a light first step of the move. Timed
+# from rest, the timeout would keep restarting while the person stands still
+# and reset a move begun late in its cycle midway.
+def begun(v, op, t): return [q(v, op, t)]
 def G(name, comment, *segments): gestures.append((name, comment, list(segments)))
 
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
@@ -175,6 +180,7 @@ swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back a
       q('RightHandAcross', '<', '-0.2'), q('RightHandAcross', '>', '1.55'))
 G('PushRight', "the right hand pushes out to the person's right at shoulder height, arm straight, the left hand staying in",
   [q('RightHandOut', '<', '0.7')],
+  begun('RightHandOut', '>', '0.6'),
   [within(2400), q('RightHandOut', '>', '0.8'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.5'), q('RightHandRise', '<', '0.25'), q('LeftHandOut', '<', '0.31'),
    q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
@@ -192,6 +198,7 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G('Side'+s+'Kick', 'the %s foot leaves the floor and is driven out sideways, more out than forward, the other foot staying down' % s.lower(),
       [q(s+'FootUp', '<', '-1.92')],
+      begun(s+'FootUp', '>', '-1.85'),
       [within(600), q(s+'FootUp', '>', '-1.72'), q(s+'FootRise', '>', '0.35'), q(s+'FootOut', '>', '0.83'), q(s+'FootSideways', '>', '0.45'), q(o+'FootRise', '<', '0.2')])
 G('Jump', 'the waist and both feet rise together above their anchors, then the body lands',
   [q('WaistRise', '<', '0.05')],
@@ -202,6 +209,7 @@ G('Duck', 'from standing, the knees bend until the hips drop well below their st
   [within(2750), q('LegStretch', '<', '0.8'), q('RightFootRise', '<', '0.05'), q('LeftFootRise', '<', '0.05')])
 G('Bow', 'with straight legs the torso bends forward over the hips and comes back up',
   [q('TorsoThigh', '<', '-0.425')],
+  begun('TorsoThigh', '>', '-0.93'),
   [within(1000), q('TorsoThigh', '>', '-0.86'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85'), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
   [within(4275), q('TorsoThigh', '<', '-0.95'), q('RightFootRise', '<', '0.0'), q('LeftFootRise', '<', '0.0')])
 tpose = [q('RightHandOut', '>', '0.8'), q('LeftHandOut', '>', '0.8'), q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.3'),
