@@ -1,6 +1,7 @@
 #include "tools/TunableDocument.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -107,6 +108,24 @@ void ForEachElement(const TiXmlElement& element, const Visit& visit) {
     for (const TiXmlElement* child = element.FirstChildElement(); child; child = child->NextSiblingElement()) ForEachElement(*child, visit);
 }
 
+// Whether `twin` is the mirror image of `q`: the same test, Right and Left
+// swapped in its references, and numbers of the same magnitude (a number the
+// mirror negates is one whose measure the mirror negates).
+bool Mirrors(const QualificationEntry& q, const QualificationEntry& twin) {
+    if (q.kind != twin.kind || q.resetOnFailed != twin.resetOnFailed || q.finishOnSucceed != twin.finishOnSucceed) return false;
+    const bool tunable = q.kind != "Equal" && q.kind != "NoEqual";
+    for (const auto& [operand, mirrored] : {std::pair{q.value1, twin.value1}, std::pair{q.value2, twin.value2}}) {
+        double value = 0.0, twinValue = 0.0;
+        bool integer = false, twinInteger = false;
+        if (tunable && ReadNumber(operand, value, integer)) {
+            if (!ReadNumber(mirrored, twinValue, twinInteger) || integer != twinInteger || std::abs(value) != std::abs(twinValue)) return false;
+        } else if (mirrored != TunableDocument::MirrorName(operand)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 // Finds elements and their operands in the document's text.
@@ -115,6 +134,33 @@ struct TunableDocument::Locator {
     const std::string& text;
     std::vector<size_t> lines;
     std::vector<XmlPlace> qualifications;  // of every gesture the library keeps
+    std::vector<XmlPlace> gestures;
+
+    // The gesture's element and its name, refused where the text cannot be copied.
+    Span GestureSpan(const GestureEntry& gesture) const {
+        const size_t element = ElementOffset(text, lines, "Gesture", gesture.place.row, RankOnLine(gestures, gesture.place));
+        const TextSpan name = element == std::string::npos ? TextSpan() : AttributeText(text, element, "name");
+        const size_t close = element == std::string::npos ? element : text.find("</Gesture", element);
+        const size_t end = close == std::string::npos ? close : text.find('>', close);
+        if (name.begin == std::string::npos || end == std::string::npos)
+            throw std::runtime_error(PlaceText(path, gesture.place) + ": gesture \"" + gesture.name + "\" cannot be copied in place");
+        return {element, end + 1, name.begin, name.end};
+    }
+
+    // The one gesture of this name; a later gesture of a clone's name would hide the clone.
+    const GestureEntry& Gesture(const ConfigDocument& config, const std::string& name, const std::string& missing) const {
+        const auto named = [&](const GestureEntry& entry) { return entry.name == name; };
+        const auto found = std::find_if(config.gestures.begin(), config.gestures.end(), named);
+        if (found == config.gestures.end()) throw std::runtime_error(path + ": the configuration has no gesture \"" + name + "\"" + missing);
+        if (std::count_if(config.gestures.begin(), config.gestures.end(), named) > 1)
+            throw std::runtime_error(path + ": gesture \"" + name + "\" is declared twice; the library finds only the later one");
+        for (const GestureEntry& other : config.gestures) {
+            if (other.name.rfind(name + "#", 0) == 0)
+                throw std::runtime_error(PlaceText(path, other.place) + ": gesture \"" + other.name + "\" takes a name that tuning \"" +
+                                         name + "\" gives its candidates; rename it");
+        }
+        return *found;
+    }
 
     // Where the operand's text begins; throws when the raw text is not the operand as read.
     size_t Operand(const QualificationEntry& q, const std::string& attribute, const std::string& operand) const {
@@ -129,17 +175,31 @@ struct TunableDocument::Locator {
 
 std::string TunableConstant::Label() const { return std::to_string(place.row) + ":" + attribute; }
 
+std::string TunableConstant::TwinText(const std::string& written) const {
+    if (!twinFlipped) return written;
+    return written[0] == '-' ? written.substr(1) : "-" + written;
+}
+
+std::string TunableDocument::MirrorName(const std::string& name) {
+    std::string mirrored;
+    for (size_t i = 0; i < name.size();) {
+        const bool right = name.compare(i, 5, "Right") == 0, left = name.compare(i, 4, "Left") == 0;
+        mirrored += right ? "Left" : left ? "Right" : name.substr(i, 1);
+        i += right ? 5 : left ? 4 : 1;
+    }
+    return mirrored;
+}
+
 TunableDocument TunableDocument::Load(const std::string& path, const std::vector<std::string>& gestures,
-                                      const std::vector<std::string>& values) {
+                                      const std::vector<std::string>& values, bool mirror) {
     const ConfigDocument config = ConfigDocument::Load(path);
     TunableDocument document;
     document.path = path;
     document.text = ReadText(path);
     document.gestures = gestures;
-    Locator locate{path, document.text, LineStarts(document.text), {}};
-    std::vector<XmlPlace> gesturePlaces;
+    Locator locate{path, document.text, LineStarts(document.text), {}, {}};
     for (const GestureEntry& gesture : config.gestures) {
-        gesturePlaces.push_back(gesture.place);
+        locate.gestures.push_back(gesture.place);
         for (const SegmentEntry& segment : gesture.segments) {
             for (const QualificationEntry& q : segment.qualifications) locate.qualifications.push_back(q.place);
         }
@@ -148,29 +208,13 @@ TunableDocument TunableDocument::Load(const std::string& path, const std::vector
     for (size_t g = 0; g < gestures.size(); ++g) {
         const std::string& name = gestures[g];
         if (!asked.insert(name).second) throw std::runtime_error("--gestures names \"" + name + "\" twice");
-        const auto named = [&](const GestureEntry& entry) { return entry.name == name; };
-        const auto found = std::find_if(config.gestures.begin(), config.gestures.end(), named);
-        if (found == config.gestures.end()) throw std::runtime_error(path + ": the configuration has no gesture \"" + name + "\"");
-        if (std::count_if(config.gestures.begin(), config.gestures.end(), named) > 1)
-            throw std::runtime_error(path + ": gesture \"" + name + "\" is declared twice; the library finds only the later one");
-        // A later gesture of a clone's name would hide the clone.
-        for (const GestureEntry& other : config.gestures) {
-            if (other.name.rfind(name + "#", 0) == 0)
-                throw std::runtime_error(PlaceText(path, other.place) + ": gesture \"" + other.name + "\" takes a name that tuning \"" +
-                                         name + "\" gives its candidates; rename it");
-        }
-        const size_t element = ElementOffset(document.text, locate.lines, "Gesture", found->place.row, RankOnLine(gesturePlaces, found->place));
-        const TextSpan nameText = element == std::string::npos ? TextSpan() : AttributeText(document.text, element, "name");
-        const size_t close = element == std::string::npos ? element : document.text.find("</Gesture", element);
-        const size_t end = close == std::string::npos ? close : document.text.find('>', close);
-        if (nameText.begin == std::string::npos || end == std::string::npos)
-            throw std::runtime_error(PlaceText(path, found->place) + ": gesture \"" + name + "\" cannot be copied in place");
-        document.m_Spans.push_back({element, end + 1, nameText.begin, nameText.end});
-        for (const SegmentEntry& segment : found->segments) {
+        const GestureEntry& found = locate.Gesture(config, name, "");
+        document.m_Spans.push_back(locate.GestureSpan(found));
+        for (const SegmentEntry& segment : found.segments) {
             for (const QualificationEntry& q : segment.qualifications) {
                 if (q.kind == "Equal" || q.kind == "NoEqual") continue;
                 for (const auto& [attribute, operand] : {std::pair{"value1", q.value1}, std::pair{"value2", q.value2}}) {
-                    TunableConstant constant{g, q.place, attribute, operand, 0.0, false, 0, {}};
+                    TunableConstant constant{g, q.place, attribute, operand, 0.0, false, 0, {}, std::string::npos, {}, false};
                     if (!ReadNumber(operand, constant.value, constant.integer)) continue;
                     constant.offset = locate.Operand(q, attribute, operand);
                     document.constants.push_back(constant);
@@ -178,6 +222,8 @@ TunableDocument TunableDocument::Load(const std::string& path, const std::vector
             }
         }
     }
+    if (mirror && !values.empty()) throw std::runtime_error("--mirror ties qualifications' constants only: it cannot take --values");
+    for (size_t g = 0; mirror && g < gestures.size(); ++g) document.TieTwin(g, locate.Gesture(config, gestures[g], ""), config, locate);
     for (const std::string& value : values) document.AddValue(value, config, locate);
     for (size_t g = 0; g < gestures.size(); ++g) {
         if (document.ConstantsOf(g).empty())
@@ -223,7 +269,7 @@ void TunableDocument::AddValue(const std::string& name, const ConfigDocument& co
     const size_t begin = open == std::string::npos ? open : text.find_first_not_of(kBlanks, open + 1);
     const size_t end = begin == std::string::npos ? begin : text.find_last_not_of(kBlanks, text.find('<', begin) - 1) + 1;
     const std::string written = begin == std::string::npos || text[open - 1] == '/' ? "" : text.substr(begin, end - begin);
-    TunableConstant constant{static_cast<size_t>(reader - gestures.begin()), place, name, written, 0.0, type == "int", begin, {}};
+    TunableConstant constant{static_cast<size_t>(reader - gestures.begin()), place, name, written, 0.0, type == "int", begin, {}, std::string::npos, {}, false};
     if (written.empty() || !declaration->GetText() || written != declaration->GetText() ||
         !ReadNumber(written, constant.value, constant.integer))
         throw std::runtime_error(PlaceText(path, place) + ": value \"" + name + "\" needs its initial number written plainly, as in 0.5");
@@ -243,6 +289,49 @@ void TunableDocument::AddValue(const std::string& name, const ConfigDocument& co
     constants.push_back(constant);
 }
 
+void TunableDocument::TieTwin(size_t gesture, const GestureEntry& entry, const ConfigDocument& config, const Locator& locate) {
+    const std::string twin = MirrorName(entry.name);
+    if (twin == entry.name) throw std::runtime_error("--mirror: gesture \"" + entry.name + "\" has no Right or Left in its name to mirror");
+    if (std::find(gestures.begin(), gestures.end(), twin) != gestures.end())
+        throw std::runtime_error("--mirror: \"" + twin + "\" is the mirror image of \"" + entry.name + "\" and is tuned with it; name only one");
+    const GestureEntry& other = locate.Gesture(config, twin, " to mirror \"" + entry.name + "\"");
+    const std::string notMirror = ": gesture \"" + twin + "\" is not the mirror image of \"" + entry.name + "\": ";
+    if (other.segments.size() != entry.segments.size())
+        throw std::runtime_error(PlaceText(path, other.place) + notMirror + "it has " + std::to_string(other.segments.size()) + " segments, not " +
+                                 std::to_string(entry.segments.size()));
+    std::vector<std::pair<const QualificationEntry*, const QualificationEntry*>> pairs;
+    for (size_t s = 0; s < entry.segments.size(); ++s) {
+        const std::vector<QualificationEntry>& theirs = other.segments[s].qualifications;
+        if (theirs.size() != entry.segments[s].qualifications.size())
+            throw std::runtime_error(PlaceText(path, other.place) + notMirror + "its segment " + std::to_string(s + 1) + " has " +
+                                     std::to_string(theirs.size()) + " qualifications, not " +
+                                     std::to_string(entry.segments[s].qualifications.size()));
+        // Conditions on both sides (both feet down, say) may keep their order in the twin.
+        std::vector<bool> taken(theirs.size(), false);
+        for (const QualificationEntry& q : entry.segments[s].qualifications) {
+            size_t t = 0;
+            while (t < theirs.size() && (taken[t] || !Mirrors(q, theirs[t]))) ++t;
+            if (t == theirs.size())
+                throw std::runtime_error(PlaceText(path, q.place) + notMirror + "no qualification of its segment " + std::to_string(s + 1) +
+                                         " mirrors " + q.Describe());
+            taken[t] = true;
+            pairs.push_back({&q, &theirs[t]});
+        }
+    }
+    for (size_t c : ConstantsOf(gesture)) {
+        TunableConstant& constant = constants[c];
+        const auto pair = std::find_if(pairs.begin(), pairs.end(), [&](const auto& p) {
+            return p.first->place.row == constant.place.row && p.first->place.column == constant.place.column;
+        });
+        const std::string& operand = constant.attribute == "value1" ? pair->second->value1 : pair->second->value2;
+        constant.twinOffset = locate.Operand(*pair->second, constant.attribute, operand);
+        constant.twinText = operand;
+        constant.twinFlipped = (constant.value < 0.0) != (operand[0] == '-');
+    }
+    twins.push_back(twin);
+    m_TwinSpans.push_back(locate.GestureSpan(other));
+}
+
 std::string TunableDocument::Written(const std::vector<std::string>& texts) const {
     return WithClones(texts, 0, {});
 }
@@ -250,27 +339,45 @@ std::string TunableDocument::Written(const std::vector<std::string>& texts) cons
 std::string TunableDocument::WithClones(const std::vector<std::string>& texts, size_t gesture,
                                         const std::vector<std::vector<std::string>>& candidates) const {
     std::vector<Edit> edits;
-    for (size_t c = 0; c < constants.size(); ++c) edits.push_back({constants[c].offset, constants[c].text.size(), texts[c]});
+    for (size_t c = 0; c < constants.size(); ++c) {
+        edits.push_back({constants[c].offset, constants[c].text.size(), texts[c]});
+        if (constants[c].twinOffset != std::string::npos)
+            edits.push_back({constants[c].twinOffset, constants[c].twinText.size(), constants[c].TwinText(texts[c])});
+    }
     if (candidates.empty()) return Apply(text, 0, text.size(), edits);
-    const Span& span = m_Spans[gesture];
     const std::vector<size_t> own = ConstantsOf(gesture);
+    edits.push_back({m_Spans[gesture].end, 0, Clones(m_Spans[gesture], candidates, own, false)});
+    if (!twins.empty()) edits.push_back({m_TwinSpans[gesture].end, 0, Clones(m_TwinSpans[gesture], candidates, own, true)});
+    return Apply(text, 0, text.size(), edits);
+}
+
+// Copies of the gesture at `span` (the twin's, when `twin`), clone k named with the suffix "#k".
+std::string TunableDocument::Clones(const Span& span, const std::vector<std::vector<std::string>>& candidates,
+                                    const std::vector<size_t>& own, bool twin) const {
+    const std::string rawName = text.substr(span.nameBegin, span.nameEnd - span.nameBegin);
     std::string clones;
     for (size_t k = 0; k < candidates.size(); ++k) {
-        const std::string rawName = text.substr(span.nameBegin, span.nameEnd - span.nameBegin);
-        std::vector<Edit> cloneEdits{{span.nameBegin, rawName.size(), rawName + CloneName(gesture, k).substr(gestures[gesture].size())}};
+        std::vector<Edit> cloneEdits{{span.nameBegin, rawName.size(), rawName + "#" + std::to_string(k)}};
         for (size_t i = 0; i < own.size(); ++i) {
             const TunableConstant& constant = constants[own[i]];
+            if (twin) {
+                cloneEdits.push_back({constant.twinOffset, constant.twinText.size(), constant.TwinText(candidates[k][i])});
+                continue;
+            }
             cloneEdits.push_back({constant.offset, constant.text.size(), candidates[k][i]});
             for (size_t reference : constant.references) cloneEdits.push_back({reference, constant.attribute.size() + 1, candidates[k][i]});
         }
         clones += "\n" + Apply(text, span.begin, span.end, cloneEdits);
     }
-    edits.push_back({span.end, 0, clones});
-    return Apply(text, 0, text.size(), edits);
+    return clones;
 }
 
 std::string TunableDocument::CloneName(size_t gesture, size_t clone) const {
     return gestures[gesture] + "#" + std::to_string(clone);
+}
+
+std::string TunableDocument::TwinCloneName(size_t gesture, size_t clone) const {
+    return twins[gesture] + "#" + std::to_string(clone);
 }
 
 std::vector<size_t> TunableDocument::ConstantsOf(size_t gesture) const {

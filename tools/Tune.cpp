@@ -53,18 +53,25 @@ private:
     std::string m_Path;
 };
 
-// One candidate's tallies of the gesture's target, by subject.
+// One candidate's tallies of one row, by subject.
 using SubjectTallies = std::map<std::string, Tally>;
 
-// One gesture's search: what it tunes, what it is scored as, and every
-// candidate replayed so far.
+// How a gesture's events count in a pass: as candidate `clone`'s (a clone
+// index past the candidates: a partner's, which every candidate shares) on `row`.
+struct ScoredAs {
+    size_t clone = 0;
+    size_t row = 0;
+};
+
+// One gesture's search: what it tunes, the rows it is scored on (its own, and
+// its mirror twin's when that differs), and every candidate replayed so far.
 struct GestureRun {
     size_t gesture = 0;
-    size_t target = 0;
+    std::vector<size_t> rows;
     std::vector<size_t> constants;  // indices into the document's constants
     std::vector<ConstantRange> ranges;
-    std::vector<std::string> partners;  // the target's other gestures, as they are
-    std::map<std::vector<double>, SubjectTallies> replayed;
+    std::vector<std::pair<std::string, size_t>> partners;  // the rows' other gestures, as they are, and their rows
+    std::map<std::vector<double>, std::vector<SubjectTallies>> replayed;  // by row, in the order of `rows`
     size_t passes = 0;
 };
 
@@ -129,23 +136,34 @@ Tally Pooled(const SubjectTallies& tallies, const std::string& leftOut) {
     return pooled;
 }
 
+// The rows pooled: a gesture and its mirror twin are scored as one.
+Tally Pooled(const std::vector<SubjectTallies>& rows, const std::string& leftOut) {
+    Tally pooled;
+    for (const SubjectTallies& tallies : rows) pooled.Add(Pooled(tallies, leftOut));
+    return pooled;
+}
+
 SearchScore ScoreOf(const Tally& tally) { return {Evaluate::F1(tally), Evaluate::MedianLatency(tally)}; }
 
+// Each clone's tallies of each row: [clone][row].
 json ScoreClones(const LabelledSet& set, const LabelledRecording& recording, const std::string& document,
-                 const std::unordered_map<std::string, size_t>& cloneOf, size_t clones, size_t target) {
+                 const std::unordered_map<std::string, ScoredAs>& scoredAs, size_t clones, const std::vector<size_t>& rows) {
     std::vector<std::string> enabled;
-    for (const auto& [name, clone] : cloneOf) enabled.push_back(name);
+    for (const auto& [name, scored] : scoredAs) enabled.push_back(name);
     std::vector<Detection> partners;
     std::vector<std::vector<Detection>> byClone(clones);
     set.Replay(recording, document, enabled, [&](const GestureEvent& event) {
-        const size_t clone = cloneOf.at(event.gesture);
-        (clone < clones ? byClone[clone] : partners).push_back({event.player, event.timeMs, target});
+        const ScoredAs& scored = scoredAs.at(event.gesture);
+        (scored.clone < clones ? byClone[scored.clone] : partners).push_back({event.player, event.timeMs, scored.row});
     });
     const std::vector<LabelledSpan> spans = set.Spans(recording);
     json tallies = json::array();
     for (std::vector<Detection>& detections : byClone) {
         detections.insert(detections.end(), partners.begin(), partners.end());
-        tallies.push_back(Evaluate::TallyJson(Matching::Score(spans, detections, set.options.window, set.rows.size())[target]));
+        const std::vector<Tally> scored = Matching::Score(spans, detections, set.options.window, set.rows.size());
+        json byRow = json::array();
+        for (size_t row : rows) byRow.push_back(Evaluate::TallyJson(scored[row]));
+        tallies.push_back(byRow);
     }
     return tallies;
 }
@@ -154,23 +172,27 @@ json ScoreClones(const LabelledSet& set, const LabelledRecording& recording, con
 void ReplayPass(const LabelledSet& set, const TunableDocument& document, const std::vector<std::string>& texts,
                 const std::vector<std::vector<double>>& candidates, GestureRun& run) {
     std::vector<std::vector<std::string>> cloneTexts;
-    std::unordered_map<std::string, size_t> cloneOf;
+    std::unordered_map<std::string, ScoredAs> scoredAs;
     for (size_t k = 0; k < candidates.size(); ++k) {
         cloneTexts.push_back(Texts(candidates[k], run.ranges));
-        cloneOf[document.CloneName(run.gesture, k)] = k;
+        scoredAs[document.CloneName(run.gesture, k)] = {k, run.rows.front()};
+        if (!document.twins.empty()) scoredAs[document.TwinCloneName(run.gesture, k)] = {k, run.rows.back()};
     }
-    for (const std::string& partner : run.partners) cloneOf[partner] = candidates.size();
+    for (const auto& [partner, row] : run.partners) scoredAs[partner] = {candidates.size(), row};
     const CandidateFile file(document.WithClones(texts, run.gesture, cloneTexts));
     std::vector<std::string> paths;
     for (const LabelledRecording& recording : set.recordings) paths.push_back(recording.path);
     const std::string unit = "recordings: " + document.gestures[run.gesture] + ", pass " + std::to_string(++run.passes) +
                              ", " + std::to_string(candidates.size()) + " candidates";
     const std::vector<json> results = WorkerPool::Run(paths, set.options.jobs, unit.c_str(), [&](size_t i) {
-        return ScoreClones(set, set.recordings[i], file.Path(), cloneOf, candidates.size(), run.target);
+        return ScoreClones(set, set.recordings[i], file.Path(), scoredAs, candidates.size(), run.rows);
     });
     for (size_t k = 0; k < candidates.size(); ++k) {
-        SubjectTallies& tallies = run.replayed[candidates[k]];
-        for (size_t i = 0; i < results.size(); ++i) tallies[set.recordings[i].subject].Add(Evaluate::TallyFromJson(results[i][k]));
+        std::vector<SubjectTallies>& rows = run.replayed[candidates[k]];
+        rows.resize(run.rows.size());
+        for (size_t i = 0; i < results.size(); ++i) {
+            for (size_t r = 0; r < run.rows.size(); ++r) rows[r][set.recordings[i].subject].Add(Evaluate::TallyFromJson(results[i][k][r]));
+        }
     }
 }
 
@@ -214,13 +236,19 @@ void Search(const LabelledSet& set, const TunableDocument& document, const std::
     }
 }
 
+// One scored row's figures: what evaluate prints for it.
+struct RowFigures {
+    std::string target;
+    Tally before, tuned, loso;
+    std::map<std::string, Tally> losoBySubject;
+};
+
 struct GestureResult {
-    std::string gesture, target;
+    std::string gesture, twin;  // twin: empty without a mirror
     std::vector<std::string> labels, before, tuned;
     std::vector<std::vector<std::string>> folds;  // by constant
-    Tally beforeTally, tunedTally, losoTally;
+    std::vector<RowFigures> rows;
     bool hasLoso = false;
-    std::map<std::string, Tally> losoBySubject;
     size_t passes = 0, candidates = 0;
 };
 
@@ -228,24 +256,31 @@ GestureResult Fit(const LabelledSet& set, const TunableDocument& document, const
                   const TuneOptions& options, size_t gesture, std::vector<std::string>& texts) {
     GestureRun run;
     run.gesture = gesture;
-    run.target = set.rowOf.at(document.gestures[gesture]);
+    std::vector<std::string> scored{document.gestures[gesture]};
+    if (!document.twins.empty()) scored.push_back(document.twins[gesture]);
+    for (const std::string& name : scored) {
+        if (std::find(run.rows.begin(), run.rows.end(), set.rowOf.at(name)) == run.rows.end()) run.rows.push_back(set.rowOf.at(name));
+    }
     run.constants = document.ConstantsOf(gesture);
     std::vector<double> start;
     for (size_t c : run.constants) {
         run.ranges.push_back(ranges[c]);
         start.push_back(document.constants[c].value);
     }
-    for (const std::string& name : set.map.targetGestures[run.target]) {
-        if (name != document.gestures[gesture]) run.partners.push_back(name);
+    for (size_t row : run.rows) {
+        if (row >= set.map.targets.size()) continue;
+        for (const std::string& name : set.map.targetGestures[row]) {
+            if (std::find(scored.begin(), scored.end(), name) == scored.end()) run.partners.push_back({name, row});
+        }
     }
     std::vector<ConstantSearch> searches = StartSearches(run, start, Subjects(set), options.loso);
     Search(set, document, texts, options.passes, run, searches);
 
-    GestureResult result{document.gestures[gesture], set.rows[run.target], {}, {}, {}, {}, {}, {}, {}, false, {}, run.passes, run.replayed.size()};
-    result.beforeTally = Pooled(run.replayed.at(start), "");
+    GestureResult result{document.gestures[gesture], scored.size() > 1 ? scored.back() : "", {}, {}, {}, {}, {}, false, run.passes, run.replayed.size()};
     const ConstantSearch* full = options.loso == LosoMode::Only ? nullptr : &searches.front();
     const std::vector<double>& tuned = full ? full->Current() : start;
-    result.tunedTally = Pooled(run.replayed.at(tuned), "");
+    for (size_t r = 0; r < run.rows.size(); ++r)
+        result.rows.push_back({set.rows[run.rows[r]], Pooled(run.replayed.at(start)[r], ""), Pooled(run.replayed.at(tuned)[r], ""), {}, {}});
     result.folds.resize(run.constants.size());
     for (size_t c = 0; c < run.constants.size(); ++c) {
         result.labels.push_back(document.constants[run.constants[c]].Label());
@@ -255,12 +290,14 @@ GestureResult Fit(const LabelledSet& set, const TunableDocument& document, const
     }
     for (const ConstantSearch& fold : searches) {
         if (fold.LeftOut().empty()) continue;
-        const SubjectTallies& tallies = run.replayed.at(fold.Current());
-        const auto found = tallies.find(fold.LeftOut());
-        const Tally& tally = found == tallies.end() ? Tally() : found->second;
         result.hasLoso = true;
-        result.losoTally.Add(tally);
-        result.losoBySubject[fold.LeftOut()] = tally;
+        for (size_t r = 0; r < run.rows.size(); ++r) {
+            const SubjectTallies& tallies = run.replayed.at(fold.Current())[r];
+            const auto found = tallies.find(fold.LeftOut());
+            const Tally& tally = found == tallies.end() ? Tally() : found->second;
+            result.rows[r].loso.Add(tally);
+            result.rows[r].losoBySubject[fold.LeftOut()] = tally;
+        }
         for (size_t c = 0; c < run.constants.size(); ++c)
             result.folds[c].push_back(ConstantSearch::Text(fold.Current()[c], run.ranges[c]));
     }
@@ -277,8 +314,10 @@ std::string FoldRange(const std::vector<std::string>& texts) {
 
 void PrintText(const std::vector<GestureResult>& results, LosoMode loso, std::ostream& out) {
     for (const GestureResult& r : results) {
-        out << r.gesture << " (scored as " << r.target << "): " << r.before.size() << " constants, " << r.passes
-            << " passes, " << r.candidates << " candidates\n";
+        std::string targets;
+        for (const RowFigures& row : r.rows) targets += (targets.empty() ? "" : ", ") + row.target;
+        out << r.gesture << (r.twin.empty() ? "" : " with its mirror " + r.twin) << " (scored as " << targets << "): " << r.before.size()
+            << " constants, " << r.passes << " passes, " << r.candidates << " candidates\n";
         char line[160];
         snprintf(line, sizeof line, "  %-16s %10s %10s  %s\n", "constant", "before", "tuned", "LOSO folds");
         out << line;
@@ -287,12 +326,24 @@ void PrintText(const std::vector<GestureResult>& results, LosoMode loso, std::os
                      r.tuned[k].c_str(), FoldRange(r.folds[k]).c_str());
             out << line;
         }
-        std::vector<GestureScore> rows{{r.target + " before", r.beforeTally}, {r.target + " tuned", r.tunedTally}};
-        if (r.hasLoso) rows.push_back({r.target + " LOSO", r.losoTally});
+        std::vector<GestureScore> rows;
+        for (const RowFigures& row : r.rows) {
+            rows.push_back({row.target + " before", row.before});
+            rows.push_back({row.target + " tuned", row.tuned});
+            if (r.hasLoso) rows.push_back({row.target + " LOSO", row.loso});
+        }
         Evaluate::PrintTable(rows, out);
         if (!r.hasLoso && loso == LosoMode::Yes) out << "no LOSO figures: they need recordings of two subjects or more (a --manifest names them)\n";
         out << '\n';
     }
+}
+
+// One row's figures, as evaluate's JSON gives them.
+void AddRowJson(const RowFigures& row, bool hasLoso, json& entry) {
+    entry["target"] = row.target;
+    entry["before"] = Evaluate::RowJson({row.target, row.before});
+    entry["tuned"] = Evaluate::RowJson({row.target, row.tuned});
+    entry["loso"] = hasLoso ? Evaluate::RowJson({row.target, row.loso}) : json();
 }
 
 json ResultsJson(const std::vector<GestureResult>& results) {
@@ -301,14 +352,13 @@ json ResultsJson(const std::vector<GestureResult>& results) {
         json constants = json::array();
         for (size_t k = 0; k < r.before.size(); ++k)
             constants.push_back({{"constant", r.labels[k]}, {"before", r.before[k]}, {"tuned", r.tuned[k]}, {"folds", r.folds[k]}});
-        list.push_back({{"gesture", r.gesture},
-                        {"target", r.target},
-                        {"passes", r.passes},
-                        {"candidates", r.candidates},
-                        {"constants", constants},
-                        {"before", Evaluate::RowJson({r.target, r.beforeTally})},
-                        {"tuned", Evaluate::RowJson({r.target, r.tunedTally})},
-                        {"loso", r.hasLoso ? Evaluate::RowJson({r.target, r.losoTally}) : json()}});
+        json entry = {{"gesture", r.gesture}, {"target", r.rows.front().target}, {"passes", r.passes}, {"candidates", r.candidates}, {"constants", constants}};
+        AddRowJson(r.rows.front(), r.hasLoso, entry);
+        if (!r.twin.empty()) {
+            entry["mirror"] = {{"gesture", r.twin}};
+            AddRowJson(r.rows.back(), r.hasLoso, entry["mirror"]);
+        }
+        list.push_back(entry);
     }
     return list;
 }
@@ -318,8 +368,10 @@ void PrintLoso(const std::vector<GestureResult>& results, size_t recordings, con
     std::vector<GestureScore> total;
     std::map<std::string, std::vector<GestureScore>> bySubject;
     for (const GestureResult& r : results) {
-        total.push_back({r.target, r.losoTally});
-        for (const auto& [subject, tally] : r.losoBySubject) bySubject[subject].push_back({r.target, tally});
+        for (const RowFigures& row : r.rows) {
+            total.push_back({row.target, row.loso});
+            for (const auto& [subject, tally] : row.losoBySubject) bySubject[subject].push_back({row.target, tally});
+        }
     }
     Evaluate::Print(total, bySubject, recordings, options, out);
 }
@@ -358,7 +410,7 @@ std::vector<ConstantRange> Tune::Ranges(const TunableDocument& document, const T
 
 int Tune::Run(const TuneOptions& options, std::ostream& out) {
     const LabelledSet set = LabelledSet::Make(options.data);
-    const TunableDocument document = TunableDocument::Load(options.data.config, options.gestures, options.values);
+    const TunableDocument document = TunableDocument::Load(options.data.config, options.gestures, options.values, options.mirror);
     for (const std::string& gesture : options.gestures) {
         if (set.rowOf.at(gesture) >= set.map.targets.size())
             throw std::runtime_error(options.data.map + " maps no label to gesture \"" + gesture + "\": there is nothing to fit it to");

@@ -6,6 +6,8 @@
 // once through a document holding one clone of the gesture per candidate,
 // so the values and functions are computed once per frame for all of them;
 // the searches of the left-out subjects share those passes.
+// With a mirror, each candidate is also written into the gesture's twin,
+// and the two are scored together: their rows' tallies pooled.
 // Not thread-safe: Run forks, so call it from a single-threaded process.
 #pragma once
 
@@ -30,6 +32,7 @@ struct TuneOptions {
     unsigned passes = 8;
     LosoMode loso = LosoMode::Yes;
     std::string output;  // empty: write nothing
+    bool mirror = false;  // tie each gesture to its mirror twin (TunableDocument)
 };
 
 class Tune {

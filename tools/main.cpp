@@ -93,6 +93,7 @@ void AddTune(CLI::App& app, TuneArguments& args) {
     tune->add_option("--passes", args.options.passes, "Most replays of the data per gesture (default 8)")->check(CLI::PositiveNumber);
     tune->add_option("--loso", args.loso, "Leave-one-subject-out figures: yes (default), no or only")
         ->check(CLI::IsMember({"yes", "no", "only"}));
+    tune->add_flag("--mirror", args.options.mirror, "Tie each gesture to its mirror twin (Right and Left swapped) and fit both as one");
     tune->add_option("--output", args.options.output, "Write the tuned configuration here")->check(NonEmpty());
 }
 

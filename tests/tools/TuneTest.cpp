@@ -123,4 +123,40 @@ TEST(TuneTest, WrittenDocumentScoresAsReportedAndKeepsItsText) {
     }
 }
 
+TEST(TuneTest, MirrorWritesTheTwinWithItsSignsAndEvaluateReproducesThePair) {
+    // RightStep mirrors LeftStep with its x signs flipped, both feet down in either order.
+    std::string mirrored = Read(kData + "/gestures.xml");
+    const size_t raise = mirrored.find("  <Gesture name=\"RaiseHand\">");
+    std::string twin = mirrored.substr(mirrored.find("  <Gesture name=\"LeftStep\">"), raise - mirrored.find("  <Gesture name=\"LeftStep\">"));
+    const std::vector<std::pair<std::string, std::string>> edits = {{"LeftStep", "RightStep"}, {"LeftFoot", "RightFoot"}, {"\"-0.", "\"0."}};
+    for (const auto& [from, to] : edits) {
+        for (size_t at = twin.find(from); at != std::string::npos; at = twin.find(from, at)) twin.replace(at, from.size(), to);
+    }
+    mirrored.insert(raise, twin);
+    const TunableDocument document = TunableDocument::Load(Written("mirror.xml", mirrored), {"LeftStep"}, {}, true);
+    const std::string written = document.Written({"-0.25", "400", "-0.15"});
+    EXPECT_NE(written.find("@P_LeftFoot.x\" value2=\"-0.25\""), std::string::npos);
+    EXPECT_NE(written.find("@P_RightFoot.x\" value2=\"0.25\""), std::string::npos);
+    EXPECT_NE(written.find("@P_RightFoot.x\" value2=\"0.15\""), std::string::npos);
+    EXPECT_NE(written.find("value2=\"400\""), written.rfind("value2=\"400\""));
+
+    // A twin that is an exact copy: tuning one writes both, and evaluate scores both as tune reported.
+    std::string pair = Read(kData + "/gestures.xml");
+    pair.replace(pair.find("\"0.2\""), 5, "\"0.9\"");
+    const size_t begin = pair.find("<Gesture name=\"RaiseHand\""), end = pair.find("</AppConfig>");
+    const std::string element = pair.substr(begin, end - begin);
+    pair.replace(begin, element.size(), "<Gesture name=\"RaiseRightHand\"" + element.substr(25) + "  <Gesture name=\"RaiseLeftHand\"" + element.substr(25));
+    const std::string wave = Read(kData + "/wave.csv"), output = testing::TempDir() + "pair.xml";
+    const std::string data = Written("a.csv", wave) + " " + Written("b.csv", wave) + " --map " + Written("pair.map", "raise RaiseRightHand\nstep -\n") +
+                             " --manifest " + Written("ab.tsv", "file\tsubject\na.csv\tA\nb.csv\tB\n");
+    const nlohmann::json result = Printed("tune " + Written("pair.xml", pair) + " " + data + " --gestures RaiseRightHand --mirror --bounds 0.1:2 --output " + output).at("tuned").at(0);
+    EXPECT_EQ(result.at("mirror").at("gesture"), "RaiseLeftHand");
+    EXPECT_EQ(result.at("tuned").at("f1"), 1.0);
+    EXPECT_EQ(Printed("evaluate " + output + " " + data).at("gestures").at(0), result.at("tuned"));
+    const std::string tuned = result.at("constants").at(0).at("tuned");
+    std::string expected = pair;
+    for (size_t at = expected.find("\"0.9\""); at != std::string::npos; at = expected.find("\"0.9\"", at)) expected.replace(at + 1, 3, tuned);
+    EXPECT_EQ(Read(output), expected);
+}
+
 }  // namespace
