@@ -27,11 +27,6 @@ std::string Text(const TiXmlElement& element, const char* attribute) {
 // The library's flag rule: atoi, nonzero is true.
 bool Flag(const TiXmlElement& element, const char* attribute) { return atoi(Text(element, attribute).c_str()) != 0; }
 
-std::string Lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
-
 // Mirrors the value pool: the declarations of one player, refused at the
 // first unknown type or name already taken, which ends the block.
 class ValueDeclarations {
@@ -46,7 +41,7 @@ public:
 
 private:
     bool Declare(const TiXmlElement& value) {
-        const std::string keyword = Lower(Text(value, "type"));
+        const std::string keyword = ConfigDocument::TypeKeyword(value);
         PelmoraLib::BaseValue::Type type;
         if (!PelmoraLib::IdentifyValues::LookUpType(keyword, type)) {
             m_Document.refusedValueTypes.push_back(PlaceOf(value));
@@ -67,14 +62,6 @@ private:
     PelmoraLib::ValuesTable m_Standard;
     std::set<std::string> m_Declared;
 };
-
-std::optional<std::string> ReadBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return std::nullopt;
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
-}
 
 XmlPlace PlaceAt(const std::string& text, size_t offset) {
     XmlPlace place{1, 1};
@@ -192,6 +179,21 @@ std::optional<ConfigNote> ConfigDocument::ByteProblem(const std::string& path) {
     if (!text) return std::nullopt;
     if (std::optional<ConfigNote> problem = EncodingProblem(*text)) return problem;
     return SwallowedText(*text);
+}
+
+std::optional<std::string> ConfigDocument::ReadBytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return std::nullopt;
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
+std::string ConfigDocument::TypeKeyword(const TiXmlElement& declaration) {
+    std::string keyword = Text(declaration, "type");
+    std::transform(keyword.begin(), keyword.end(), keyword.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return keyword;
 }
 
 }  // namespace PelmoraTool

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+class TiXmlElement;
+
 namespace PelmoraTool {
 
 struct XmlPlace {
@@ -55,6 +57,10 @@ public:
     // (empty, UTF-16, binary, a NUL byte, an unclosed comment, a DOCTYPE
     // subset) without its own words saying so; none when it cannot be read.
     static std::optional<ConfigNote> ByteProblem(const std::string& path);
+    // The file's bytes; none when it cannot be opened.
+    static std::optional<std::string> ReadBytes(const std::string& path);
+    // A value declaration's type as the library matches it: case does not count.
+    static std::string TypeKeyword(const TiXmlElement& declaration);
 
     std::vector<GestureEntry> gestures;
     std::vector<ProcessingEntry> processings;

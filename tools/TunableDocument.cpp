@@ -2,14 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
+#include <optional>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 
 #include <tinyxml.h>
-
-#include <cctype>
 
 #include "tools/Numbers.h"
 
@@ -18,14 +15,6 @@ namespace PelmoraTool {
 namespace {
 
 const char* const kBlanks = " \t\r\n";
-
-std::string ReadText(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) throw std::runtime_error("cannot open " + path);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
-}
 
 std::string PlaceText(const std::string& path, const XmlPlace& place) {
     return path + ":" + std::to_string(place.row) + ":" + std::to_string(place.column);
@@ -90,11 +79,6 @@ size_t RankOnLine(const std::vector<XmlPlace>& all, const XmlPlace& place) {
     return static_cast<size_t>(std::count_if(all.begin(), all.end(), [&](const XmlPlace& other) {
         return other.row == place.row && other.column < place.column;
     }));
-}
-
-std::string Lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
 }
 
 bool Names(const std::string& operand, const std::string& value) {
@@ -195,7 +179,9 @@ TunableDocument TunableDocument::Load(const std::string& path, const std::vector
     const ConfigDocument config = ConfigDocument::Load(path);
     TunableDocument document;
     document.path = path;
-    document.text = ReadText(path);
+    std::optional<std::string> bytes = ConfigDocument::ReadBytes(path);
+    if (!bytes) throw std::runtime_error("cannot open " + path);
+    document.text = std::move(*bytes);
     document.gestures = gestures;
     Locator locate{path, document.text, LineStarts(document.text), {}, {}};
     for (const GestureEntry& gesture : config.gestures) {
@@ -249,7 +235,7 @@ void TunableDocument::AddValue(const std::string& name, const ConfigDocument& co
         });
     }
     if (!declaration) throw std::runtime_error(path + ": the configuration declares no value \"" + name + "\"");
-    const std::string type = Lower(declaration->Attribute("type") ? declaration->Attribute("type") : "");
+    const std::string type = ConfigDocument::TypeKeyword(*declaration);
     if (type != "int" && type != "float") throw std::runtime_error(refused + "only int and float values can be");
     if (computed) throw std::runtime_error(refused + "a function computes or reads it, so it is not a constant");
     std::set<std::string> readers;
