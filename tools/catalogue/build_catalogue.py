@@ -167,17 +167,25 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
 chest = lambda s: [q(s+'HandRise', '>', '-0.7'), q(s+'HandRise', '<', '0.25')]
 # A swipe is one stroke: the right hand comes up from low on one side, sweeps
 # across and drops again, the left hand staying down. Drawing in the air
-# keeps the hand up from one stroke to the next.
-def swipe(name, comment, start, end):
+# keeps the hand up from one stroke to the next. The time runs from the hand
+# leaving its rest. A swipe to the left ends high, where the strokes of an X
+# or a circle come down, and the hand does not climb again on its way down; a
+# swipe to the right drops on the right, where a wave swings back across.
+def swipe(name, comment, start, end, drop):
     G(name, comment,
       [q('RightHandRise', '<', '-0.82')],
-      [within(600), start, q('RightHandRise', '>', '-0.3'), q('RightHandReach', '>', '0.6'), q('LeftHandRise', '<', '-0.5')],
-      [within(640), end, q('RightHandRise', '>', '-0.4'), q('LeftHandRise', '<', '-0.5')],
-      [within(770), q('RightHandRise', '<', '-0.86')])
+      begun('RightHandRise', '>', '-0.75'),
+      start + [q('LeftHandRise', '<', '-0.5')],
+      end + [q('LeftHandRise', '<', '-0.5')],
+      drop + [q('RightHandRise', '<', '-0.86')])
 swipe('SwipeLeft', "the right hand comes up on the person's right, sweeps across the body to the left and drops",
-      q('RightHandAcross', '>', '0.88'), q('RightHandAcross', '<', '-0.12'))
-swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back across the body to the right and drops",
-      q('RightHandAcross', '<', '-0.2'), q('RightHandAcross', '>', '1.55'))
+      [within(600), q('RightHandAcross', '>', '0.88'), q('RightHandRise', '>', '-0.3'), q('RightHandReach', '>', '0.6')],
+      [within(900), q('RightHandAcross', '<', '-0.165'), q('RightHandRise', '>', '-0.2')],
+      [within(770), q('RightHandRise', '<', '0.5', True)])
+swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back across the body to the right and drops there",
+      [within(600), q('RightHandAcross', '<', '-0.12'), q('RightHandRise', '>', '-0.15'), q('RightHandReach', '>', '0.3')],
+      [within(900), q('RightHandAcross', '>', '1.3'), q('RightHandRise', '>', '-0.25')],
+      [within(770), q('RightHandAcross', '>', '0.3', True)])
 G('PushRight', "the right hand pushes out to the person's right at shoulder height, arm straight, the left hand staying in",
   [q('RightHandOut', '<', '0.7')],
   begun('RightHandOut', '>', '0.6'),
