@@ -145,9 +145,13 @@ def begun(v, op, t): return [q(v, op, t)]
 def G(name, comment, *segments): gestures.append((name, comment, list(segments)))
 
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
-    G('Raise'+s+'Hand', 'the %s hand goes from below the head to above it while the %s hand stays down' % (s.lower(), o.lower()),
+    # Throwing, drawing, catching and serving pass the hand over the head
+    # too, but for a moment; a raised hand stays up.
+    hand_up = [q(s+'HandAboveHead', '>', '0.15'), q(s+'ArmStraight', '>', '0.85'), q(s+'HandOut', '<', '0.4'), q(o+'HandAboveHead', '<', '-0.5')] + grounded
+    G('Raise'+s+'Hand', 'the %s hand goes from below the head to above it and stays there a moment while the %s hand stays down' % (s.lower(), o.lower()),
       [q(s+'HandAboveHead', '<', '-0.3')],
-      [within(2000), q(s+'HandAboveHead', '>', '0.15'), q(s+'ArmStraight', '>', '0.85'), q(s+'HandOut', '<', '0.4'), q(o+'HandAboveHead', '<', '-0.5')] + grounded)
+      [within(2000)] + hand_up,
+      R(hand_up) + [held(700)])
 straight_up = [q('RightHandRise', '>', '0.5', True), q('LeftHandRise', '>', '0.5', True), q('RightArmStraight', '>', '0.9', True), q('LeftArmStraight', '>', '0.9', True),
                q('RightHandNearHead', '>', '0.96', True), q('LeftHandNearHead', '>', '0.96', True)]
 G('RaiseBothArms', 'both arms swing up outstretched sideways until both hands are well above the shoulders, arms straight and away from the head, and stay there a moment',
