@@ -269,8 +269,9 @@ G('WindItUp', 'both hands come up in front of the chest, then swing out wide to 
   [within(1050), q('RightHandOut', '>', '0.4'), q('LeftHandOut', '>', '0.4'), q('RightHandRise', '<', '0.0'), q('LeftHandRise', '<', '0.0')])
 G('ChangeWeapon', 'the right hand reaches up over the left shoulder, then both hands come forward together at the waist',
   [q('RightHandAcross', '>', '0.2'), q('RightHandRise', '<', '-0.33')],
-  [within(2300), q('RightHandAcross', '<', '-0.375'), q('RightHandRise', '>', '0.0')],
-  [within(2750), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.175'), q('RightHandRise', '<', '0.1'), q('HandsGap', '<', '2.48')])
+  begun('RightHandRise', '>', '-0.2'),
+  [within(2300), q('RightHandAcross', '<', '-0.375'), q('RightHandRise', '>', '0.0'), q('LeftHandRise', '<', '-0.1'), q('RightHandNearHead', '<', '1.6')],
+  [within(2750), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.11'), q('RightHandRise', '<', '0.06'), q('HandsGap', '<', '2.48')])
 G('BeatBoth', 'both hands, raised to the height of the head but kept away from it, keep beating for a while, then come down',
   [q('RightHandRise', '<', '-0.69'), q('LeftHandRise', '<', '-0.69')],
   [within(3300), q('RightHandRise', '>', '0.41'), q('LeftHandRise', '>', '0.41')],
