@@ -110,6 +110,7 @@ frame_funcs = list(funcs); funcs.clear()
 fn('MUL', '@UpReference', '@UpDir', '1.0')
 for n, joint in HEIGHTS:
     fn('MUL', '@'+n+'Anchor', joint, '1.0')
+fn('MUL', '@LeftHandRiseLately', '@LeftHandRise', '1.0')
 start_funcs = list(funcs); funcs.clear()
 fn('SUB', '@Drift', '@UpDir', '@UpReference'); fn('MUL', '@Drift', '@Drift', '0.01')
 fn('ADD', '@UpReference', '@UpReference', '@Drift'); fn('NORMALIZE', '@UpReference', '@UpReference')
@@ -126,6 +127,16 @@ fn('SUB', '@HandsNearHead', '@HandsNearHead', '@HandsFromHead'); fn('MUL', '@Han
 # how far the right hand is to the left of the left hand, in shoulder widths
 val('float', 'HandsCrossed'); fn('SUB', '@HandsCrossed', '@LeftHandAcross', '@RightHandAcross')
 val('float', 'HandsGap'); fn('DISTANCE', '@HandsGap', '@P_RightHand', '@P_LeftHand'); fn('DIV', '@HandsGap', '@HandsGap', '@ShoulderWidth')
+# LeftHandRiseLately holds the left hand's highest rise of about the last
+# second: it sinks by 0.02 a frame and jumps back up with the hand. A tennis
+# serve tosses with the left hand, a basketball shot lifts both hands, and
+# both are over before the right arm comes forward; a throw keeps the left
+# hand down all along.
+val('float', 'LeftHandRiseLately'); val('float', 'RiseAboveLately')
+fn('SUB', '@LeftHandRiseLately', '@LeftHandRiseLately', '0.02')
+fn('SUB', '@RiseAboveLately', '@LeftHandRise', '@LeftHandRiseLately'); fn('ABS', '@RiseAboveLately', '@RiseAboveLately')
+fn('ADD', '@LeftHandRiseLately', '@LeftHandRiseLately', '@LeftHandRise'); fn('ADD', '@LeftHandRiseLately', '@LeftHandRiseLately', '@RiseAboveLately')
+fn('MUL', '@LeftHandRiseLately', '@LeftHandRiseLately', '0.5')
 val('float', 'TorsoUpright'); fn('DOT', '@TorsoUpright', '@UpDir', '@UpReference')
 val('float', 'FeetRiseGap'); fn('SUB', '@FeetRiseGap', '@RightFootRise', '@LeftFootRise'); fn('ABS', '@FeetRiseGap', '@FeetRiseGap')
 baseline_funcs = list(funcs); funcs.clear()
@@ -256,9 +267,9 @@ G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles'
   [q('RightHandRise', '<', '-0.75'), q('LeftHandRise', '<', '-0.75')],
   [within(2500), q('RightHandNearHead', '<', '0.8'), q('LeftHandNearHead', '<', '0.8'), q('RightHandAboveHead', '<', '0.0'), q('LeftHandAboveHead', '<', '0.0'),
    q('RightHandReach', '>', '0.33'), q('LeftHandReach', '>', '0.33')])
-G('Throw', 'the right hand, cocked back beside the head, is thrown fast forward',
+G('Throw', 'the right hand, cocked back beside the head, is thrown fast forward, the left hand having stayed down',
   [q('RightHandReach', '<', '0.3'), q('RightHandRise', '>', '0.44')],
-  [within(600), q('RightHandReach', '>', '0.7'), q('RightHandPush', '>', '2.0')])
+  [within(600), q('RightHandReach', '>', '0.7'), q('RightHandPush', '>', '2.0'), q('RightArmStraight', '>', '0.0'), q('LeftHandRiseLately', '<', '0.0')])
 G('HadEnough', 'both hands come up from low to the top of the head, as if in despair',
   [q('RightHandRise', '<', '-0.4'), q('LeftHandRise', '<', '-0.4')],
   [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandAboveHead', '>', '0.0'), q('LeftHandAboveHead', '>', '0.0')])
