@@ -255,10 +255,16 @@ G('Clap', 'both hands, apart in front of the chest, come together and part again
   [within(950), q('HandsGap', '<', '0.3'), q('RightHandReach', '>', '0.4'), q('LeftHandReach', '>', '0.4'),
    q('RightHandRise', '>', '-0.44'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.44'), q('LeftHandRise', '<', '0.25')],
   [within(600), q('HandsGap', '>', '0.39')])
-G('PushBothHands', 'standing, both hands, raised to the chest, push forward together until both arms are straight at chest height (arms lifted straight, as for balance in a squat, do not start it)',
-  [q('RightHandReach', '<', '0.55'), q('LeftHandReach', '<', '0.55'), q('RightHandRise', '>', '-0.5'), q('LeftHandRise', '>', '-0.5')],
+# A push starts standing with both hands raised in front of the chest: in a
+# deep squat the feet can turn the forward direction round, so arms held out
+# for balance read as behind the body. It ends with the hands at chest height
+# or above, where an arm curl swings them down through the front.
+G('PushBothHands', 'standing, both hands, raised in front of the chest, push forward together until both arms are straight at chest height, the hands not dropping below it',
+  [q('RightHandReach', '<', '0.55'), q('LeftHandReach', '<', '0.55'), q('RightHandRise', '>', '-0.5'), q('LeftHandRise', '>', '-0.5'), q('LegStretch', '>', '0.9'),
+   q('RightHandReach', '>', '0.0'), q('LeftHandReach', '>', '0.0')],
   [within(1200), q('RightHandReach', '>', '0.85'), q('LeftHandReach', '>', '0.85'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85'),
-   q('HandsGap', '>', '1.0'), q('HandsGap', '<', '1.28'), q('LegStretch', '>', '0.9')] + chest('Right') + chest('Left'))
+   q('HandsGap', '>', '0.7'), q('HandsGap', '<', '1.28'), q('LegStretch', '>', '0.9'),
+   q('RightHandRise', '>', '-0.15'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.15'), q('LeftHandRise', '<', '0.25')])
 G('Shoot', 'both hands, together, are raised from low and pointed straight forward at chest height, then kick up with the recoil',
   [q('RightHandReach', '<', '0.86'), q('LeftHandReach', '<', '0.86')],
   [within(1500), q('RightHandReach', '>', '0.8'), q('LeftHandReach', '>', '0.8'), q('HandsGap', '<', '0.4')] + chest('Right') + chest('Left'),
