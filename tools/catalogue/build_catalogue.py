@@ -269,10 +269,12 @@ G('Shoot', 'both hands, together, are raised from low and pointed straight forwa
   [q('RightHandReach', '<', '0.86'), q('LeftHandReach', '<', '0.86')],
   [within(1500), q('RightHandReach', '>', '0.8'), q('LeftHandReach', '>', '0.8'), q('HandsGap', '<', '0.4')] + chest('Right') + chest('Left'),
   [within(1500), q('RightHandRise', '>', '0.15'), q('LeftHandRise', '>', '0.15'), q('HandsGap', '<', '0.3')])
-G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles',
-  [q('RightHandRise', '<', '-0.75'), q('LeftHandRise', '<', '-0.75')],
-  [within(2500), q('RightHandNearHead', '<', '0.8'), q('LeftHandNearHead', '<', '0.8'), q('RightHandAboveHead', '<', '0.0'), q('LeftHandAboveHead', '<', '0.0'),
-   q('RightHandReach', '>', '0.33'), q('LeftHandReach', '>', '0.33')])
+G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles, and stay there a moment',
+  [q('RightHandRise', '<', '-0.6'), q('LeftHandRise', '<', '-0.6')],
+  begun('RightHandRise', '>', '-0.4'),
+  [within(2500), q('RightHandNearHead', '<', '1.0'), q('LeftHandNearHead', '<', '1.0'), q('RightHandAboveHead', '<', '0.0'), q('LeftHandAboveHead', '<', '0.0'),
+   q('RightHandReach', '>', '0.25'), q('LeftHandReach', '>', '0.25'), q('HandsGap', '<', '1.0')],
+  [q('RightHandNearHead', '<', '1.3', True), q('LeftHandNearHead', '<', '1.3', True), q('RightHandAboveHead', '<', '0.08', True), q('LeftHandAboveHead', '<', '0.08', True), held(400)])
 G('Throw', 'the right hand, cocked back beside the head, is thrown fast forward, the left hand having stayed down',
   [q('RightHandReach', '<', '0.3'), q('RightHandRise', '>', '0.44')],
   [within(600), q('RightHandReach', '>', '0.7'), q('RightHandPush', '>', '2.0'), q('RightArmStraight', '>', '0.0'), q('LeftHandRiseLately', '<', '0.0')])
