@@ -84,6 +84,9 @@ def sidefeat(s, sign):
     proj(s+'FootUp', ffh, 'UpDir', 'TorsoLength')
     # how much further out than forward the foot is
     fs = s+'FootSideways'; val('float', fs); fn('SUB', '@'+fs, '@'+s+'FootOut', '@'+s+'FootForward')
+    # how far the foot is to either side of its hip: a side kick by a fighter
+    # turned side-on can be tracked with the foot across the body
+    fa = s+'FootAside'; val('float', fa); fn('ABS', '@'+fa, '@'+s+'FootOut')
     ls = s+'LegStretch'; lseg = s+'LegSegment'
     val('float', ls); val('float', lseg)
     fn('DISTANCE', '@'+lseg, '@P_'+s+'Hip', '@P_'+s+'Knee')
@@ -211,13 +214,18 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
       [q(s+'HandReach', '<', '0.7')],
       [within(360), q(s+'HandReach', '>', '0.4'), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.75')],
       [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmStraight', '>', '0.99'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.85'), q('HandsGap', '>', '1.33')])
-# A front kick drives the foot more forward than out; a side kick more out
-# than forward. The foot going out first (a side kick's chamber) cancels a
-# front kick, so one kick is not both.
+# A front kick drives the foot more forward than out, a side kick more out
+# than forward. A front kick's foot stays in front of its hip, from the lift
+# until it is down again: a foot that strays well to either side is a side
+# kick's (a fighter turned side-on is tracked with it out or across the
+# body), so one kick is not both. Timing the kick from its first lift, not
+# from rest, gives a kick begun at any moment its whole time.
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
-    G('Front'+s+'Kick', 'the %s foot leaves the floor and snaps forward, more forward than out, the other foot staying down' % s.lower(),
+    G('Front'+s+'Kick', 'the %s foot leaves the floor and snaps forward, staying in front of its hip, the other foot staying down, and comes back down' % s.lower(),
       [q(s+'FootUp', '<', '-1.6')],
-      [within(1150), q(s+'FootSideways', '<', '0.45', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2')])
+      begun(s+'FootUp', '>', '-1.5'),
+      [within(1150), q(s+'FootAside', '<', '0.85', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2')],
+      [within(1000), q(s+'FootAside', '<', '1.7', True), q(s+'FootUp', '<', '-1.4')])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G('Side'+s+'Kick', 'the %s foot leaves the floor and is driven out sideways, more out than forward, the other foot staying down' % s.lower(),
       [q(s+'FootUp', '<', '-1.92')],
