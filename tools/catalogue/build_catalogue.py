@@ -249,10 +249,15 @@ G('TPose', 'both arms held straight out sideways at shoulder height for a second
   [q('RightHandOut', '<', '0.6')],
   tpose,
   R(tpose) + [held(1000)])
-G('Stop', 'the right palm is pushed toward the sensor at shoulder height and held there',
+# Stop is the right hand alone: both hands held forward are aiming (Shoot) or
+# keeping balance in a squat.
+G('Stop', 'the right palm is pushed toward the sensor at shoulder height and held there, the left hand staying in',
   [q('RightHandReach', '<', '0.5')],
-  [within(1500), q('RightHandReach', '>', '0.75'), q('RightHandOut', '<', '0.35'), q('RightHandRise', '>', '-0.35'), q('RightHandRise', '<', '0.35'), q('RightForearmRise', '>', '0.0')],
-  [q('RightHandReach', '>', '0.7', True), q('RightHandOut', '<', '0.35', True), q('RightHandRise', '>', '-0.35', True), q('RightHandRise', '<', '0.35', True), held(800)])
+  begun('RightHandReach', '>', '0.55'),
+  [within(1500), q('RightHandReach', '>', '0.75'), q('RightHandOut', '<', '0.35'), q('RightHandRise', '>', '-0.35'), q('RightHandRise', '<', '0.35'), q('RightForearmRise', '>', '0.0'),
+   q('LeftHandReach', '<', '0.5')],
+  [q('RightHandReach', '>', '0.7', True), q('RightHandOut', '<', '0.35', True), q('RightHandRise', '>', '-0.35', True), q('RightHandRise', '<', '0.35', True),
+   q('LeftHandReach', '<', '0.5', True), held(800)])
 
 G('CrossArms', 'the forearms cross in front of the chest, the right hand well to the left of the left hand, and stay crossed',
   [q('HandsCrossed', '<', '-0.6')],
