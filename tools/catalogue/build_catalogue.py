@@ -259,9 +259,13 @@ G('Stop', 'the right palm is pushed toward the sensor at shoulder height and hel
   [q('RightHandReach', '>', '0.7', True), q('RightHandOut', '<', '0.35', True), q('RightHandRise', '>', '-0.35', True), q('RightHandRise', '<', '0.35', True),
    q('LeftHandReach', '<', '0.5', True), held(800)])
 
+# Arms folded cross well past each other at the chest, and do so soon after
+# the hands meet in the middle; hands clasped low in front overlap a little,
+# and a bat swung across the body takes longer to get there.
 G('CrossArms', 'the forearms cross in front of the chest, the right hand well to the left of the left hand, and stay crossed',
   [q('HandsCrossed', '<', '-0.6')],
-  [within(2000), q('HandsCrossed', '>', '0.35')] + chest('Right') + chest('Left'),
+  begun('HandsCrossed', '>', '0.0'),
+  [within(500), q('HandsCrossed', '>', '0.5'), q('RightHandRise', '>', '-0.45'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.45'), q('LeftHandRise', '<', '0.25')],
   [q('HandsCrossed', '>', '0.2', True), held(300)])
 G('Clap', 'both hands, apart in front of the chest, come together and part again',
   [q('HandsGap', '>', '1.3'), q('RightHandRise', '>', '-0.6'), q('RightHandRise', '<', '0.15'), q('LeftHandRise', '>', '-0.6'), q('LeftHandRise', '<', '0.15')],
