@@ -99,6 +99,17 @@ sidefeat('Right', 1)
 sidefeat('Left', -1)
 # whole body
 val('float','LegStretch'); fn('ADD','@LegStretch','@RightLegStretch','@LeftLegStretch'); fn('MUL','@LegStretch','@LegStretch','0.5')
+# The lower of the hands' rises, (a + b - |a - b|) / 2.
+val('float','LowerHandRise'); val('float','HandsRiseGap')
+fn('SUB','@HandsRiseGap','@RightHandRise','@LeftHandRise'); fn('ABS','@HandsRiseGap','@HandsRiseGap')
+fn('ADD','@LowerHandRise','@RightHandRise','@LeftHandRise'); fn('SUB','@LowerHandRise','@LowerHandRise','@HandsRiseGap'); fn('MUL','@LowerHandRise','@LowerHandRise','0.5')
+# CrouchStretch is the legs' stretch lowered by 0.2 times (1 + the lower hand's
+# rise, capped at shoulder height): people squatting hold both arms forward
+# for balance and bend the knees only as far as sitting down (stretch about
+# 0.85), where a duck bends them further with the hands low.
+val('float','CrouchStretch')
+fn('ABS','@CrouchStretch','@LowerHandRise'); fn('SUB','@CrouchStretch','@LowerHandRise','@CrouchStretch'); fn('MUL','@CrouchStretch','@CrouchStretch','0.5')
+fn('ADD','@CrouchStretch','@CrouchStretch','1.0'); fn('MUL','@CrouchStretch','@CrouchStretch','-0.2'); fn('ADD','@CrouchStretch','@CrouchStretch','@LegStretch')
 val('vector3','ThighLine'); val('float','TorsoThigh')
 fn('SUB','@ThighLine','@P_RightKnee','@P_RightHip'); fn('ADD','@ThighLine','@ThighLine','@P_LeftKnee'); fn('SUB','@ThighLine','@ThighLine','@P_LeftHip')
 fn('NORMALIZE','@ThighLine','@ThighLine'); fn('DOT','@TorsoThigh','@UpDir','@ThighLine')
@@ -235,9 +246,13 @@ G('Jump', 'the waist and both feet rise together above their anchors, then the b
   [q('WaistRise', '<', '0.05')],
   [within(600), q('WaistRise', '>', '0.2'), q('RightFootRise', '>', '0.15'), q('LeftFootRise', '>', '0.15'), q('FeetRiseGap', '<', '0.3')],
   [within(1000), q('WaistRise', '<', '0.1')])
-G('Duck', 'from standing, the knees bend until the hips drop well below their standing height',
+# Standing up again from a crouch held only a moment, or bent over, is
+# picking something up, not ducking.
+G('Duck', 'from standing, the knees bend, the torso upright, until the hips drop well below their standing height, or as far as sitting down with both hands held forward, and the crouch is held a moment',
   [q('LegStretch', '>', '0.9')],
-  [within(2750), q('LegStretch', '<', '0.8'), q('RightFootRise', '<', '0.05'), q('LeftFootRise', '<', '0.05')])
+  begun('LegStretch', '<', '0.88'),
+  [within(2750), q('CrouchStretch', '<', '0.72'), q('TorsoUpright', '>', '0.8'), q('RightFootRise', '<', '0.05'), q('LeftFootRise', '<', '0.05')],
+  [q('CrouchStretch', '<', '0.85', True), held(350)])
 G('Bow', 'with straight legs the torso bends forward over the hips and comes back up',
   [q('TorsoThigh', '<', '-0.425')],
   begun('TorsoThigh', '>', '-0.93'),
