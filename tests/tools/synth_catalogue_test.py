@@ -24,7 +24,7 @@ PEOPLE = [("child", 2.0, 0.8), ("tall", 4.0, 1.25), ("teen", 4.0, 0.8), ("adult"
 # fire twice in one. The reason lies in the rules, and real people meet it too.
 PHASE = ("timed from rest, a move begun late in the restarting timeout is reset midway;"
          " timed from its first step it scored worse on real people")
-EXCEPTIONS = dict.fromkeys(["Jump", "LeftPunch", "RightPunch"], PHASE)
+EXCEPTIONS = dict.fromkeys(["LeftPunch", "RightPunch"], PHASE)
 
 
 def finishes(pelmora, catalogue, path):

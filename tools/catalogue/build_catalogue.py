@@ -244,6 +244,7 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
       [within(600), q(s+'FootUp', '>', '-1.72'), q(s+'FootRise', '>', '0.35'), q(s+'FootOut', '>', '0.83'), q(s+'FootSideways', '>', '0.45'), q(o+'FootRise', '<', '0.2')])
 G('Jump', 'the waist and both feet rise together above their anchors, then the body lands',
   [q('WaistRise', '<', '0.05')],
+  begun('WaistRise', '>', '0.1'),
   [within(600), q('WaistRise', '>', '0.2'), q('RightFootRise', '>', '0.15'), q('LeftFootRise', '>', '0.15'), q('FeetRiseGap', '<', '0.3')],
   [within(1000), q('WaistRise', '<', '0.1')])
 # Standing up again from a crouch held only a moment, or bent over, is
