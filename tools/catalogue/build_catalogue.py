@@ -283,11 +283,16 @@ G('CrossArms', 'the forearms cross in front of the chest, the right hand well to
   begun('HandsCrossed', '>', '0.0'),
   [within(500), q('HandsCrossed', '>', '0.5'), q('RightHandRise', '>', '-0.45'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.45'), q('LeftHandRise', '<', '0.25')],
   [q('HandsCrossed', '>', '0.2', True), held(300)])
-G('Clap', 'both hands, apart in front of the chest, come together and part again',
+# A clap counts once until the hands come down again, however many times
+# they meet. They meet in front of the chest, standing, and not at arm's
+# length, where hands held out for balance in a squat come together.
+G('Clap', 'both hands come up apart in front of the chest, come together and part again, and must come down before the next clap counts',
+  [q('RightHandRise', '<', '-0.7'), q('LeftHandRise', '<', '-0.7')],
   [q('HandsGap', '>', '1.3'), q('RightHandRise', '>', '-0.6'), q('RightHandRise', '<', '0.15'), q('LeftHandRise', '>', '-0.6'), q('LeftHandRise', '<', '0.15')],
-  [within(950), q('HandsGap', '<', '0.3'), q('RightHandReach', '>', '0.4'), q('LeftHandReach', '>', '0.4'),
+  [within(950), q('HandsGap', '<', '0.3'), q('LegStretch', '>', '0.9'), q('RightHandReach', '>', '0.4'), q('LeftHandReach', '>', '0.4'),
+   q('RightHandReach', '<', '0.8'), q('LeftHandReach', '<', '0.8'),
    q('RightHandRise', '>', '-0.44'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.44'), q('LeftHandRise', '<', '0.25')],
-  [within(600), q('HandsGap', '>', '0.39')])
+  [within(600), q('HandsGap', '>', '0.5')])
 # A push starts standing with both hands raised in front of the chest: in a
 # deep squat the feet can turn the forward direction round, so arms held out
 # for balance read as behind the body. It ends with the hands at chest height
