@@ -67,6 +67,10 @@ def sidefeat(s, sign):
     # how fast the hand moves forward, in arm lengths per second
     hp = s+'HandPush'; val('float', hp)
     fn('DOT', '@'+hp, '@V_'+s+'Hand', '@ForwardDir'); fn('DIV', '@'+hp, '@'+hp, '@'+seg); fn('MUL', '@'+hp, '@'+hp, '1000.0')
+    # how fast the hand moves up, in arm lengths per second: a punch drives
+    # level or rising, a throw or a beat comes down from high
+    hl = s+'HandLift'; val('float', hl)
+    fn('DOT', '@'+hl, '@V_'+s+'Hand', '@UpDir'); fn('DIV', '@'+hl, '@'+hl, '@'+seg); fn('MUL', '@'+hl, '@'+hl, '1000.0')
     proj(s+'HandOut', hfs, 'RightDir', seg, True)
     proj(s+'HandRise', hfs, 'UpDir', seg)
     fa = s+'Forearm'; val('vector3', fa); fn('SUB', '@'+fa, '@P_'+s+'Hand', '@P_'+s+'Elbow')
@@ -223,8 +227,8 @@ G('PushRight', "the right hand pushes out to the person's right at shoulder heig
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard to shoulder height while the %s hand keeps its guard' % (s.lower(), o.lower()),
       [q(s+'HandReach', '<', '0.7')],
-      [within(360), q(s+'HandReach', '>', '0.4'), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.75')],
-      [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmStraight', '>', '0.99'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.85'), q('HandsGap', '>', '1.33')])
+      [q(s+'HandReach', '>', '0.4'), q(s+'HandReach', '<', '0.8', True), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.4'), q(s+'HandLift', '>', '-0.75')],
+      [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmStraight', '>', '0.97'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.7'), q(o+'HandRise', '<', '0.45'), q('HandsGap', '>', '1.33')])
 # A front kick drives the foot more forward than out, a side kick more out
 # than forward. A front kick's foot stays in front of its hip, from the lift
 # until it is down again: a foot that strays well to either side is a side
@@ -315,7 +319,7 @@ G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles,
   [q('RightHandNearHead', '<', '1.3', True), q('LeftHandNearHead', '<', '1.3', True), q('RightHandAboveHead', '<', '0.08', True), q('LeftHandAboveHead', '<', '0.08', True), held(400)])
 G('Throw', 'the right hand, cocked back beside the head, is thrown fast forward, the left hand having stayed down',
   [q('RightHandReach', '<', '0.3'), q('RightHandRise', '>', '0.44')],
-  [within(600), q('RightHandReach', '>', '0.7'), q('RightHandPush', '>', '2.0'), q('RightArmStraight', '>', '0.0'), q('LeftHandRiseLately', '<', '0.0')])
+  [within(600), q('RightHandReach', '>', '0.7'), q('RightHandPush', '>', '2.0'), q('LeftHandRiseLately', '<', '0.0')])
 G('HadEnough', 'both hands come up from low to the top of the head, as if in despair',
   [q('RightHandRise', '<', '-0.4'), q('LeftHandRise', '<', '-0.4')],
   [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandAboveHead', '>', '0.0'), q('LeftHandAboveHead', '>', '0.0')])
