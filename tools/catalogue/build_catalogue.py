@@ -190,7 +190,7 @@ G('RaiseBothArms', 'both arms swing up outstretched sideways until both hands ar
    q('RightHandNearHead', '>', '1.12'), q('LeftHandNearHead', '>', '1.12')] + grounded,
   straight_up + [held(300)])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
-    up = lambda rise: [q(s+'ForearmRise', '>', rise, True)]
+    up = lambda rise: [q(s+'ForearmRise', '>', rise, True), q(o+'HandRise', '<', '-0.3', True)]
     G('Wave'+s+'Hand', 'the %s forearm, raised, swings out, in and out again while the %s hand stays low; the hand must come down before the next wave counts' % (s.lower(), o.lower()),
       [q(s+'ForearmRise', '<', '0.1')],
       [within(3000), q(s+'ForearmRise', '>', '0.2'), q(s+'ForearmOut', '<', '-0.1'), q(o+'HandRise', '<', '-0.3')],
