@@ -217,7 +217,7 @@ swipe('SwipeLeft', "the right hand comes up on the person's right, sweeps across
       [within(770), q('RightHandRise', '<', '0.5', True)])
 swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back across the body to the right and drops there",
       [within(600), q('RightHandAcross', '<', '-0.12'), q('RightHandRise', '>', '-0.15'), q('RightHandReach', '>', '0.3')],
-      [within(900), q('RightHandAcross', '>', '1.3'), q('RightHandRise', '>', '-0.25')],
+      [within(900), q('RightHandAcross', '>', '1.3'), q('RightHandRise', '>', '-0.125')],
       [within(770), q('RightHandAcross', '>', '0.3', True)])
 G('PushRight', "the right hand pushes out to the person's right at shoulder height, arm straight, the left hand staying in",
   [q('RightHandOut', '<', '0.7')],
