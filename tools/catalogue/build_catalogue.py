@@ -181,12 +181,12 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
       [q(s+'HandAboveHead', '<', '-0.3')],
       [within(2000)] + hand_up,
       R(hand_up) + [held(700)])
-straight_up = [q('RightHandRise', '>', '0.5', True), q('LeftHandRise', '>', '0.5', True), q('RightArmStraight', '>', '0.9', True), q('LeftArmStraight', '>', '0.9', True),
+straight_up = [q('RightHandRise', '>', '0.4', True), q('LeftHandRise', '>', '0.4', True), q('RightArmStraight', '>', '0.9', True), q('LeftArmStraight', '>', '0.9', True),
                q('RightHandNearHead', '>', '0.96', True), q('LeftHandNearHead', '>', '0.96', True)]
-G('RaiseBothArms', 'both arms swing up outstretched sideways until both hands are well above the shoulders, arms straight and away from the head, and stay there a moment',
+G('RaiseBothArms', 'both arms swing up straight, sideways or forward, until both hands are above the shoulders, arms straight and away from the head, and stay there a moment',
   [q('RightHandRise', '<', '-0.1'), q('LeftHandRise', '<', '-0.1')],
-  [within(2000), q('RightHandOut', '>', '0.53'), q('LeftHandOut', '>', '0.53'), q('RightArmStraight', '>', '0.9'), q('LeftArmStraight', '>', '0.9')],
-  [within(1200), q('RightHandRise', '>', '0.5'), q('LeftHandRise', '>', '0.5'), q('RightArmStraight', '>', '0.9'), q('LeftArmStraight', '>', '0.9'),
+  [within(2000), q('RightHandRise', '>', '-0.3'), q('LeftHandRise', '>', '-0.3'), q('RightArmStraight', '>', '0.9'), q('LeftArmStraight', '>', '0.9')],
+  [within(1200), q('RightHandRise', '>', '0.4'), q('LeftHandRise', '>', '0.4'), q('RightArmStraight', '>', '0.9'), q('LeftArmStraight', '>', '0.9'),
    q('RightHandNearHead', '>', '1.12'), q('LeftHandNearHead', '>', '1.12')] + grounded,
   straight_up + [held(300)])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
