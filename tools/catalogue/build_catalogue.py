@@ -286,7 +286,7 @@ G('CrossArms', 'the forearms cross in front of the chest, the right hand well to
   [q('HandsCrossed', '<', '-0.6')],
   begun('HandsCrossed', '>', '0.0'),
   [within(500), q('HandsCrossed', '>', '0.5'), q('RightHandRise', '>', '-0.45'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.45'), q('LeftHandRise', '<', '0.25')],
-  [q('HandsCrossed', '>', '0.2', True), held(300)])
+  [q('HandsCrossed', '>', '0.2', True), held(400)])
 # A clap counts once until the hands come down again, however many times
 # they meet. They meet in front of the chest, standing, and not at arm's
 # length, where hands held out for balance in a squat come together.
