@@ -320,9 +320,10 @@ G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles,
 G('Throw', 'the right hand, cocked back beside the head, is thrown fast forward, the left hand having stayed down',
   [q('RightHandReach', '<', '0.3'), q('RightHandRise', '>', '0.44')],
   [within(600), q('RightHandReach', '>', '0.7'), q('RightHandPush', '>', '2.0'), q('LeftHandRiseLately', '<', '0.0')])
-G('HadEnough', 'both hands come up from low to the top of the head, as if in despair',
+G('HadEnough', 'both hands come up from low to the top of the head, as if in despair, and rest there a moment',
   [q('RightHandRise', '<', '-0.4'), q('LeftHandRise', '<', '-0.4')],
-  [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandAboveHead', '>', '0.0'), q('LeftHandAboveHead', '>', '0.0')])
+  [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandAboveHead', '>', '0.0'), q('LeftHandAboveHead', '>', '0.0')],
+  [q('RightHandNearHead', '<', '0.8', True), q('LeftHandNearHead', '<', '0.8', True), q('RightHandAboveHead', '>', '-0.1', True), q('LeftHandAboveHead', '>', '-0.1', True), held(200)])
 G('WindItUp', 'both hands come up in front of the chest, then swing out wide to the sides and down, as if winding up',
   [q('RightHandRise', '<', '-0.125'), q('LeftHandRise', '<', '-0.125')],
   [within(1500), q('RightHandRise', '>', '-0.075'), q('LeftHandRise', '>', '-0.075'), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.35'),
