@@ -128,7 +128,8 @@ frame_funcs = list(funcs); funcs.clear()
 fn('MUL', '@UpReference', '@UpDir', '1.0')
 for n, joint in HEIGHTS:
     fn('MUL', '@'+n+'Anchor', joint, '1.0')
-fn('MUL', '@LeftHandRiseLately', '@LeftHandRise', '1.0')
+for s in ('Right', 'Left'):
+    fn('MUL', '@'+s+'HandRiseLately', '@'+s+'HandRise', '1.0')
 start_funcs = list(funcs); funcs.clear()
 fn('SUB', '@Drift', '@UpDir', '@UpReference'); fn('MUL', '@Drift', '@Drift', '0.01')
 fn('ADD', '@UpReference', '@UpReference', '@Drift'); fn('NORMALIZE', '@UpReference', '@UpReference')
@@ -145,16 +146,18 @@ fn('SUB', '@HandsNearHead', '@HandsNearHead', '@HandsFromHead'); fn('MUL', '@Han
 # how far the right hand is to the left of the left hand, in shoulder widths
 val('float', 'HandsCrossed'); fn('SUB', '@HandsCrossed', '@LeftHandAcross', '@RightHandAcross')
 val('float', 'HandsGap'); fn('DISTANCE', '@HandsGap', '@P_RightHand', '@P_LeftHand'); fn('DIV', '@HandsGap', '@HandsGap', '@ShoulderWidth')
-# LeftHandRiseLately holds the left hand's highest rise of about the last
-# second: it sinks by 0.02 a frame and jumps back up with the hand. A tennis
-# serve tosses with the left hand, a basketball shot lifts both hands, and
-# both are over before the right arm comes forward; a throw keeps the left
-# hand down all along.
-val('float', 'LeftHandRiseLately'); val('float', 'RiseAboveLately')
-fn('SUB', '@LeftHandRiseLately', '@LeftHandRiseLately', '0.02')
-fn('SUB', '@RiseAboveLately', '@LeftHandRise', '@LeftHandRiseLately'); fn('ABS', '@RiseAboveLately', '@RiseAboveLately')
-fn('ADD', '@LeftHandRiseLately', '@LeftHandRiseLately', '@LeftHandRise'); fn('ADD', '@LeftHandRiseLately', '@LeftHandRiseLately', '@RiseAboveLately')
-fn('MUL', '@LeftHandRiseLately', '@LeftHandRiseLately', '0.5')
+# HandRiseLately holds a hand's highest rise of about the last second: it
+# sinks by 0.02 a frame and jumps back up with the hand. A tennis serve tosses
+# with the left hand, a basketball shot lifts both hands, and both are over
+# before the right arm comes forward; a throw keeps the left hand down all
+# along. A punch leaves from the guard, not from a hand raised overhead.
+val('float', 'RiseAboveLately')
+for s in ('Right', 'Left'):
+    hrl = s+'HandRiseLately'; val('float', hrl)
+    fn('SUB', '@'+hrl, '@'+hrl, '0.02')
+    fn('SUB', '@RiseAboveLately', '@'+s+'HandRise', '@'+hrl); fn('ABS', '@RiseAboveLately', '@RiseAboveLately')
+    fn('ADD', '@'+hrl, '@'+hrl, '@'+s+'HandRise'); fn('ADD', '@'+hrl, '@'+hrl, '@RiseAboveLately')
+    fn('MUL', '@'+hrl, '@'+hrl, '0.5')
 val('float', 'TorsoUpright'); fn('DOT', '@TorsoUpright', '@UpDir', '@UpReference')
 val('float', 'FeetRiseGap'); fn('SUB', '@FeetRiseGap', '@RightFootRise', '@LeftFootRise'); fn('ABS', '@FeetRiseGap', '@FeetRiseGap')
 baseline_funcs = list(funcs); funcs.clear()
@@ -227,7 +230,7 @@ G('PushRight', "the right hand pushes out to the person's right at shoulder heig
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard to shoulder height while the %s hand keeps its guard' % (s.lower(), o.lower()),
       [q(s+'HandReach', '<', '0.7')],
-      [q(s+'HandReach', '>', '0.4'), q(s+'HandReach', '<', '0.8', True), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.4'), q(s+'HandLift', '>', '-0.75')],
+      [q(s+'HandReach', '>', '0.4'), q(s+'HandReach', '<', '0.8', True), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.4'), q(s+'HandLift', '>', '-0.75'), q(s+'HandRiseLately', '<', '0.7')],
       [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmStraight', '>', '0.97'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.7'), q(o+'HandRise', '<', '0.45'), q('HandsGap', '>', '1.33')])
 # A front kick drives the foot more forward than out, a side kick more out
 # than forward. A front kick's foot stays in front of its hip, from the lift
