@@ -103,10 +103,12 @@ sidefeat('Right', 1)
 sidefeat('Left', -1)
 # whole body
 val('float','LegStretch'); fn('ADD','@LegStretch','@RightLegStretch','@LeftLegStretch'); fn('MUL','@LegStretch','@LegStretch','0.5')
-# The lower of the hands' rises, (a + b - |a - b|) / 2.
+def lesser(target, a, b, gap):
+    """target = the lesser of a and b, (a + b - |a - b|) / 2; gap is scratch."""
+    fn('SUB', '@'+gap, '@'+a, '@'+b); fn('ABS', '@'+gap, '@'+gap)
+    fn('ADD', '@'+target, '@'+a, '@'+b); fn('SUB', '@'+target, '@'+target, '@'+gap); fn('MUL', '@'+target, '@'+target, '0.5')
 val('float','LowerHandRise'); val('float','HandsRiseGap')
-fn('SUB','@HandsRiseGap','@RightHandRise','@LeftHandRise'); fn('ABS','@HandsRiseGap','@HandsRiseGap')
-fn('ADD','@LowerHandRise','@RightHandRise','@LeftHandRise'); fn('SUB','@LowerHandRise','@LowerHandRise','@HandsRiseGap'); fn('MUL','@LowerHandRise','@LowerHandRise','0.5')
+lesser('LowerHandRise', 'RightHandRise', 'LeftHandRise', 'HandsRiseGap')
 # CrouchStretch is the legs' stretch lowered by 0.2 times (1 + the lower hand's
 # rise, capped at shoulder height): people squatting hold both arms forward
 # for balance and bend the knees only as far as sitting down (stretch about
@@ -159,6 +161,19 @@ for s in ('Right', 'Left'):
     fn('ADD', '@'+hrl, '@'+hrl, '@'+s+'HandRise'); fn('ADD', '@'+hrl, '@'+hrl, '@RiseAboveLately')
     fn('MUL', '@'+hrl, '@'+hrl, '0.5')
 val('float', 'TorsoUpright'); fn('DOT', '@TorsoUpright', '@UpDir', '@UpReference')
+# How far the chest faces up: negative when the torso bends forward over the
+# hips, positive when it leans back, as in a kick.
+val('float', 'TorsoFacingUp'); fn('DOT', '@TorsoFacingUp', '@ForwardDir', '@UpReference')
+# How high the lower hand is above the feet, along the vertical, in torso
+# lengths: picking something up or bowling a ball takes a hand near the
+# floor, which a bow does not.
+val('vector3', 'FeetMiddle'); val('vector3', 'HandOverFeet')
+val('float', 'RightHandHeight'); val('float', 'LeftHandHeight'); val('float', 'LowerHandHeight'); val('float', 'HandsHeightGap')
+fn('ADD', '@FeetMiddle', '@P_RightFoot', '@P_LeftFoot'); fn('MUL', '@FeetMiddle', '@FeetMiddle', '0.5')
+for s in ('Right', 'Left'):
+    fn('SUB', '@HandOverFeet', '@P_'+s+'Hand', '@FeetMiddle'); fn('DOT', '@'+s+'HandHeight', '@HandOverFeet', '@UpReference')
+    fn('DIV', '@'+s+'HandHeight', '@'+s+'HandHeight', '@TorsoLength')
+lesser('LowerHandHeight', 'RightHandHeight', 'LeftHandHeight', 'HandsHeightGap')
 val('float', 'FeetRiseGap'); fn('SUB', '@FeetRiseGap', '@RightFootRise', '@LeftFootRise'); fn('ABS', '@FeetRiseGap', '@FeetRiseGap')
 baseline_funcs = list(funcs); funcs.clear()
 
@@ -261,11 +276,11 @@ G('Duck', 'from standing, the knees bend, the torso upright, until the hips drop
   begun('LegStretch', '<', '0.88'),
   [within(2750), q('CrouchStretch', '<', '0.72'), q('TorsoUpright', '>', '0.8'), q('RightFootRise', '<', '0.05'), q('LeftFootRise', '<', '0.05')],
   [q('CrouchStretch', '<', '0.85', True), held(350)])
-G('Bow', 'with straight legs the torso bends forward over the hips and comes back up',
+G('Bow', 'with straight legs the torso bends forward over the hips, the chest turning down and the hands kept off the floor, and comes back up',
   [q('TorsoThigh', '<', '-0.425')],
   begun('TorsoThigh', '>', '-0.93'),
-  [within(1000), q('TorsoThigh', '>', '-0.86'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85'), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
-  [within(4275), q('TorsoThigh', '<', '-0.95'), q('RightFootRise', '<', '0.0'), q('LeftFootRise', '<', '0.0')])
+  [within(1000), q('TorsoThigh', '>', '-0.86'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85'), q('TorsoFacingUp', '<', '-0.35'), q('LowerHandHeight', '>', '0.5', True), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
+  [within(4275), q('LowerHandHeight', '>', '0.5', True), q('TorsoThigh', '<', '-0.95'), q('RightFootRise', '<', '0.0'), q('LeftFootRise', '<', '0.0')])
 tpose = [q('RightHandOut', '>', '0.8'), q('LeftHandOut', '>', '0.8'), q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.3'),
          q('LeftHandRise', '>', '-0.3'), q('LeftHandRise', '<', '0.3'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85')]
 G('TPose', 'both arms held straight out sideways at shoulder height for a second',
