@@ -345,7 +345,8 @@ G('HadEnough', 'both hands come up from low to the top of the head, as if in des
   [q('RightHandNearHead', '<', '0.8', True), q('LeftHandNearHead', '<', '0.8', True), q('RightHandAboveHead', '>', '-0.1', True), q('LeftHandAboveHead', '>', '-0.1', True), held(200)])
 G('WindItUp', 'both hands come up in front of the chest, then swing out wide to the sides and down, as if winding up',
   [q('RightHandRise', '<', '-0.125'), q('LeftHandRise', '<', '-0.125')],
-  [within(1500), q('RightHandRise', '>', '-0.075'), q('LeftHandRise', '>', '-0.075'), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.35'),
+  begun('RightHandRise', '>', '-0.3'),
+  [within(1200), q('RightHandRise', '>', '-0.075'), q('LeftHandRise', '>', '-0.075'), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.35'),
    q('RightHandOut', '<', '0.35'), q('LeftHandOut', '<', '0.35')],
   [within(1050), q('RightHandOut', '>', '0.4'), q('LeftHandOut', '>', '0.4'), q('RightHandRise', '<', '0.0'), q('LeftHandRise', '<', '0.0')])
 G('ChangeWeapon', 'the right hand reaches up over the left shoulder, then both hands come forward together at the waist',
