@@ -313,7 +313,7 @@ G('Clap', 'both hands come up apart in front of the chest, come together and par
   [q('HandsGap', '>', '1.3'), q('RightHandRise', '>', '-0.6'), q('RightHandRise', '<', '0.15'), q('LeftHandRise', '>', '-0.6'), q('LeftHandRise', '<', '0.15')],
   [within(950), q('HandsGap', '<', '0.3'), q('LegStretch', '>', '0.9'), q('RightHandReach', '>', '0.4'), q('LeftHandReach', '>', '0.4'),
    q('RightHandReach', '<', '0.8'), q('LeftHandReach', '<', '0.8'),
-   q('RightHandRise', '>', '-0.44'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.44'), q('LeftHandRise', '<', '0.25')],
+   q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.3'), q('LeftHandRise', '<', '0.25')],
   [within(600), q('HandsGap', '>', '0.5')])
 # A push starts standing with both hands raised in front of the chest: in a
 # deep squat the feet can turn the forward direction round, so arms held out
