@@ -140,11 +140,20 @@ for n, joint in HEIGHTS:
     fn('DOT', '@'+n+'Rise', '@Drift', '@UpReference')
     fn('DIV', '@'+n+'Rise', '@'+n+'Rise', '@TorsoLength')
     fn('MUL', '@Drift', '@Drift', '0.03'); fn('ADD', '@'+n+'Anchor', '@'+n+'Anchor', '@Drift')
+def follow(target, source, step, rate):
+    """target moves toward source by rate of the gap each frame; step is scratch."""
+    fn('SUB', '@'+step, '@'+source, '@'+target); fn('MUL', '@'+step, '@'+step, rate); fn('ADD', '@'+target, '@'+target, '@'+step)
 # HandsFromHead follows the hands' mean distance from the head at 10% a frame,
 # so a hand passing the head does not count as resting near it.
 val('float', 'HandsNearHead'); val('float', 'HandsFromHead')
 fn('ADD', '@HandsNearHead', '@RightHandNearHead', '@LeftHandNearHead'); fn('MUL', '@HandsNearHead', '@HandsNearHead', '0.5')
-fn('SUB', '@HandsNearHead', '@HandsNearHead', '@HandsFromHead'); fn('MUL', '@HandsNearHead', '@HandsNearHead', '0.1'); fn('ADD', '@HandsFromHead', '@HandsFromHead', '@HandsNearHead')
+follow('HandsFromHead', 'HandsNearHead', 'HandsNearHead', '0.1')
+# FootAsideSteady follows how far the foot is to either side of its hip at
+# 25% a frame, so a frame or two of a foot tracked astray is not taken for
+# a side kick's.
+for s in ('Right', 'Left'):
+    val('float', s+'FootAsideSteady'); val('float', s+'FootAsideStep')
+    follow(s+'FootAsideSteady', s+'FootAside', s+'FootAsideStep', '0.25')
 # how far the right hand is to the left of the left hand, in shoulder widths
 val('float', 'HandsCrossed'); fn('SUB', '@HandsCrossed', '@LeftHandAcross', '@RightHandAcross')
 val('float', 'HandsGap'); fn('DISTANCE', '@HandsGap', '@P_RightHand', '@P_LeftHand'); fn('DIV', '@HandsGap', '@HandsGap', '@ShoulderWidth')
@@ -257,8 +266,8 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G('Front'+s+'Kick', 'the %s foot leaves the floor and snaps forward, staying in front of its hip, the other foot staying down, and comes back down' % s.lower(),
       [q(s+'FootUp', '<', '-1.6')],
       begun(s+'FootUp', '>', '-1.5'),
-      [within(1150), q(s+'FootAside', '<', '0.85', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2')],
-      [within(1000), q(s+'FootAside', '<', '1.7', True), q(s+'FootUp', '<', '-1.4')])
+      [within(1150), q(s+'FootAsideSteady', '<', '0.7', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2')],
+      [within(1000), q(s+'FootAsideSteady', '<', '1.7', True), q(s+'FootUp', '<', '-1.4')])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G('Side'+s+'Kick', 'the %s foot leaves the floor and is driven out sideways, more out than forward, the other foot staying down' % s.lower(),
       [q(s+'FootUp', '<', '-1.92')],
