@@ -76,7 +76,7 @@ std::vector<LabelledSpan> LabelledSet::Spans(const LabelledRecording& recording)
                                      performance.label + "\" is not in " + options.map);
         if (meaning->kind == LabelMeaning::Negative) continue;
         spans.push_back({performance.player, performance.startMs, performance.endMs,
-                         meaning->kind == LabelMeaning::DontCare, meaning->target});
+                         meaning->kind == LabelMeaning::DontCare, meaning->target, meaning->repeated});
     }
     return spans;
 }

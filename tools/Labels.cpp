@@ -51,7 +51,9 @@ LabelMap LabelMap::ReadFile(const std::string& path, const std::vector<std::stri
         ++number;
         const std::vector<std::string> words = Words(line.substr(0, line.find('#')));
         if (words.empty()) continue;
-        if (words.size() != 2) throw LineError(path, number, "expected LABEL TARGET (a gesture, A|B, none or -)");
+        const bool repeated = words.size() == 3 && words[2] == "repeated";
+        if (words.size() != 2 && !repeated)
+            throw LineError(path, number, "expected LABEL TARGET [repeated] (a gesture, A|B, none or -)");
         LabelMeaning meaning;
         if (words[1] == "-") {
             meaning.kind = LabelMeaning::DontCare;
@@ -62,12 +64,15 @@ LabelMap LabelMap::ReadFile(const std::string& path, const std::vector<std::stri
             }
             const auto known = std::find(map.targets.begin(), map.targets.end(), words[1]);
             meaning.kind = LabelMeaning::Gesture;
+            meaning.repeated = repeated;
             meaning.target = static_cast<size_t>(known - map.targets.begin());
             if (known == map.targets.end()) {
                 map.targets.push_back(words[1]);
                 map.targetGestures.push_back(Alternatives(words[1]));
             }
         }
+        if (repeated && meaning.kind != LabelMeaning::Gesture)
+            throw LineError(path, number, "only a gesture's label can be repeated");
         if (!map.m_Meanings.emplace(words[0], meaning).second)
             throw LineError(path, number, "label \"" + words[0] + "\" is mapped twice");
     }

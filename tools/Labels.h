@@ -4,7 +4,9 @@
 //   file    one performance per recording, its label given by a manifest
 // A label map says which gesture(s) each dataset label stands for ("A|B":
 // either gesture counts), "none" for a negative (any event there is false)
-// and "-" for don't care (events there count neither way). A manifest names
+// and "-" for don't care (events there count neither way); a gesture's label
+// marked "repeated" may hold several performances, found by its first event.
+// A manifest names
 // each recording's subject and, for whole-file labels, its label.
 // Plain data read once; safe to share between threads read-only.
 #pragma once
@@ -31,6 +33,7 @@ struct Performance {
 struct LabelMeaning {
     enum Kind { Gesture, Negative, DontCare } kind = Negative;
     size_t target = 0;  // index into LabelMap::targets for Gesture
+    bool repeated = false;
 };
 
 class LabelMap {

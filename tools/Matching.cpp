@@ -33,9 +33,15 @@ size_t ClaimingSpan(const std::vector<LabelledSpan>& spans, const std::vector<bo
     return best;
 }
 
-bool InsideDontCare(const std::vector<LabelledSpan>& spans, const Detection& event, const MatchWindow& window) {
-    return std::any_of(spans.begin(), spans.end(),
-                       [&](const LabelledSpan& span) { return span.dontCare && Within(span, event, window); });
+// Within a don't-care label, or a repetition of a performance already found.
+bool CountsNeitherWay(const std::vector<LabelledSpan>& spans, const std::vector<bool>& taken, const Detection& event,
+                      const MatchWindow& window) {
+    for (size_t s = 0; s < spans.size(); ++s) {
+        const LabelledSpan& span = spans[s];
+        const bool repetition = taken[s] && span.repeated && span.target == event.target;
+        if ((span.dontCare || repetition) && Within(span, event, window)) return true;
+    }
+    return false;
 }
 
 }  // namespace
@@ -57,7 +63,7 @@ std::vector<Tally> Score(const std::vector<LabelledSpan>& spans, const std::vect
             taken[claimed] = true;
             ++tally.hits;
             tally.latenciesMs.push_back(event.timeMs - spans[claimed].endMs);
-        } else if (!InsideDontCare(spans, event, window)) {
+        } else if (!CountsNeitherWay(spans, taken, event, window)) {
             ++tally.falseDetections;
         }
     }

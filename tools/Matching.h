@@ -4,9 +4,10 @@
 // when it falls within [start - before, end + after], and each performance
 // takes at most one event: events are taken in time order, each by the
 // unmatched performance whose window closes first. Every other event of T is
-// a false detection, except one inside the window of a don't-care label,
-// which counts neither way. Latency runs from the performance's end to its
-// event. Pure functions; safe from any thread.
+// a false detection, except one inside the window of a don't-care label or
+// of a found repeated performance of T (a recording labelled as a whole that
+// holds the move several times), which counts neither way. Latency runs from
+// the performance's end to its event. Pure functions; safe from any thread.
 #pragma once
 
 #include <cstddef>
@@ -25,12 +26,14 @@ struct LabelledSpan {
     double endMs = 0.0;
     bool dontCare = false;  // true: target is unused
     size_t target = 0;
+    bool repeated = false;  // may hold several performances of target
 };
 
 struct Detection {
     long long player = 0;
     double timeMs = 0.0;
     size_t target = 0;
+    bool repeated = false;  // may hold several performances of target
 };
 
 struct Tally {

@@ -38,6 +38,8 @@ TEST(EvaluateTest, MatchingRuleAtItsEdges) {
         {"another player's event", {run}, {{1, 1200.0, 0}}, 0, 1, {}},
         {"another target's event", {run}, {{0, 1200.0, 1}}, 0, 0, {}},
         {"inside a don't-care label", {ignored}, {{0, 5100.0, 0}}, 0, 0, {}},
+        {"a repeated move: its first event finds it, the others inside count neither way",
+         {{0, 1000.0, 1500.0, false, 0, true}}, {{0, 1100.0, 0}, {0, 1400.0, 0}, {0, 1800.0, 0}}, 1, 1, {-400.0}},
         {"overlapping windows: first to close takes the first event",
          {point, {0, 2950.0, 2950.0, false, 0}}, {{0, 2990.0, 0}, {0, 3100.0, 0}}, 2, 0, {40.0, 100.0}},
     };
@@ -95,7 +97,8 @@ TEST(EvaluateTest, BadInputGivesOneLineNamingTheFileAndLine) {
     const bool map = true, manifest = false;
     const std::vector<std::tuple<bool, std::string, std::string>> cases = {
         {map, "# labels\nwave Wave\nkick Kick|Punch\n", "line 3: unknown gesture \"Punch\""},
-        {map, "wave Wave extra\n", "line 1: expected LABEL TARGET (a gesture, A|B, none or -)"},
+        {map, "wave Wave extra\n", "line 1: expected LABEL TARGET [repeated] (a gesture, A|B, none or -)"},
+        {map, "wave Wave repeated\nidle none repeated\n", "line 2: only a gesture's label can be repeated"},
         {map, "wave Wave\nwave -\n", "line 2: label \"wave\" is mapped twice"},
         {manifest, "file\tlabel\n", "line 1: the header must name file, subject and label"},
         {manifest, "file\tsubject\tlabel\na.csv\ts1\n", "line 2: expected 3 fields, found 2"},
