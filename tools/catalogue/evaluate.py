@@ -34,6 +34,15 @@ DATASETS = [
 ]
 
 
+def missing_data(data):
+    """What of the three datasets the data folder lacks, as one line, or None."""
+    wanted = ["precog/Seq*_*.csv", "msrc12/msrc12.tar.xz", "utd-mhad/utd-mhad.tar.xz"]
+    absent = [pattern for pattern in wanted if not glob.glob(os.path.join(data, pattern))]
+    if not absent:
+        return None
+    return f"{data}: lacks {', '.join(absent)} (--data names the folder holding the three datasets)"
+
+
 def unpack(data, cache):
     """The datasets as native recordings in the cache, each with a manifest."""
     os.makedirs(cache, exist_ok=True)
@@ -159,6 +168,9 @@ def main():
     args = parser.parse_args()
     started = time.monotonic()
 
+    missing = missing_data(args.data)
+    if missing:
+        sys.exit(missing)
     unpack(args.data, args.cache)
     import_precog(args.pelmora, args.data, args.cache)
     labels = os.path.join(root, "examples", "labels")
