@@ -253,10 +253,10 @@ G('PushRight', "the right hand pushes out to the person's right at shoulder heig
   [within(2400), q('RightHandOut', '>', '0.8'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.5'), q('RightHandRise', '<', '0.25'), q('LeftHandOut', '<', '0.31'),
    q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
-    G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard to shoulder height while the %s hand keeps its guard' % (s.lower(), o.lower()),
+    G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard to shoulder height while the %s hand keeps its guard near the chin' % (s.lower(), o.lower()),
       [q(s+'HandReach', '<', '0.7')],
       [q(s+'HandReach', '>', '0.4'), q(s+'HandReach', '<', '0.8', True), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.4'), q(s+'HandLift', '>', '-0.75'), q(s+'HandRiseLately', '<', '0.7'), q(o+'HandRiseLately', '<', '0.4')],
-      [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmStraight', '>', '0.97'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.7'), q(o+'HandRise', '<', '0.45'), q('HandsGap', '>', '1.33')])
+      [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmStraight', '>', '0.97'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.7'), q(o+'HandRise', '<', '0.45'), q(o+'HandReach', '<', '0.6'), q('HandsGap', '>', '1.33')])
 # A front kick drives the foot more forward than out, a side kick more out
 # than forward. A front kick's foot stays in front of its hip, from the lift
 # until it is down again: a foot that strays well to either side is a side
