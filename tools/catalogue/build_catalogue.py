@@ -69,6 +69,10 @@ def sidefeat(s, sign):
     fn('DOT', '@'+hp, '@V_'+s+'Hand', '@ForwardDir'); fn('DIV', '@'+hp, '@'+hp, '@'+seg); fn('MUL', '@'+hp, '@'+hp, '1000.0')
     # how fast the hand moves up, in arm lengths per second: a punch drives
     # level or rising, a throw or a beat comes down from high
+    # how fast the shoulder moves forward, in arm lengths per second: a
+    # throw turns the body and drives the shoulder, a knock moves the forearm
+    sp = s+'ShoulderPush'; val('float', sp)
+    fn('DOT', '@'+sp, '@V_'+s+'Shoulder', '@ForwardDir'); fn('DIV', '@'+sp, '@'+sp, '@'+seg); fn('MUL', '@'+sp, '@'+sp, '1000.0')
     hl = s+'HandLift'; val('float', hl)
     fn('DOT', '@'+hl, '@V_'+s+'Hand', '@UpDir'); fn('DIV', '@'+hl, '@'+hl, '@'+seg); fn('MUL', '@'+hl, '@'+hl, '1000.0')
     proj(s+'HandOut', hfs, 'RightDir', seg, True)
@@ -346,9 +350,10 @@ G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles,
   [within(2500), q('RightHandNearHead', '<', '1.0'), q('LeftHandNearHead', '<', '1.0'), q('RightHandAboveHead', '<', '0.0'), q('LeftHandAboveHead', '<', '0.0'),
    q('RightHandReach', '>', '0.25'), q('LeftHandReach', '>', '0.25'), q('HandsGap', '<', '1.0')],
   [q('RightHandNearHead', '<', '1.3', True), q('LeftHandNearHead', '<', '1.3', True), q('RightHandAboveHead', '<', '0.08', True), q('LeftHandAboveHead', '<', '0.08', True), held(400)])
-G('Throw', 'the right hand, cocked back beside the head, is thrown fast forward, the left hand having stayed down',
+G('Throw', 'the right hand, cocked back beside the head, is thrown fast forward with the right shoulder driving forward too, the left hand having stayed down',
   [q('RightHandReach', '<', '0.3'), q('RightHandRise', '>', '0.44')],
-  [within(600), q('RightHandReach', '>', '0.7'), q('RightHandPush', '>', '2.0'), q('LeftHandRiseLately', '<', '0.0')])
+  [within(600), q('RightShoulderPush', '>', '0.65'), q('RightHandPush', '>', '2.0'), q('LeftHandRiseLately', '<', '0.0')],
+  [within(400), q('RightHandReach', '>', '0.7')])
 G('HadEnough', 'both hands come up from low to the top of the head, as if in despair, and rest there a moment',
   [q('RightHandRise', '<', '-0.4'), q('LeftHandRise', '<', '-0.4')],
   [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandAboveHead', '>', '0.0'), q('LeftHandAboveHead', '>', '0.0')],
