@@ -259,7 +259,7 @@ G('PushRight', "the right hand pushes out to the person's right at shoulder heig
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard to shoulder height while the %s hand keeps its guard near the chin' % (s.lower(), o.lower()),
       [q(s+'HandReach', '<', '0.7')],
-      [q(s+'HandReach', '>', '0.4'), q(s+'HandReach', '<', '0.8', True), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.4'), q(s+'HandLift', '>', '-0.75'), q(s+'HandRiseLately', '<', '0.7'), q(o+'HandRiseLately', '<', '0.4')],
+      [q(s+'HandReach', '>', '0.4'), q(s+'HandReach', '<', '0.8', True), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.4'), q(s+'HandLift', '>', '-0.75'), q(s+'HandRiseLately', '<', '0.44'), q(o+'HandRiseLately', '<', '0.4')],
       [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmStraight', '>', '0.97'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.7'), q(o+'HandRise', '<', '0.45'), q(o+'HandReach', '<', '0.6'), q('HandsGap', '>', '1.33')])
 # A front kick drives the foot more forward than out, a side kick more out
 # than forward. A front kick's foot stays in front of its hip, from the lift
