@@ -111,12 +111,29 @@ def last_rows(rows):
     return list({row["gesture"]: row for row in rows}.values())
 
 
+# Right-hand gestures whose left twins the catalogue builds as mirror images.
+# A refit keeps each pair mirrored (`tune --mirror`), as the catalogue does;
+# it also scores a row naming both, such as a kick with either foot, with
+# both fitted on the same subjects.
+MIRRORED = {"RightPunch": "LeftPunch", "FrontRightKick": "FrontLeftKick", "SideRightKick": "SideLeftKick"}
+
+
 def left_out(pelmora, catalogue, labels, cache, folder, form, window, passes):
     gestures = mapped_gestures(os.path.join(labels, folder + ".map"))
-    command = [pelmora, "tune", catalogue] + data_options(labels, cache, folder, form, window) + [
-        "--gestures", ",".join(gestures), "--loso", "only", "--passes", str(passes)]
-    result = json.loads(subprocess.run(command, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
-                                       text=True).stdout)
+    mirrored = [name for name in gestures if MIRRORED.get(name) in gestures]
+    single = [name for name in gestures if name not in mirrored and name not in [MIRRORED[m] for m in mirrored]]
+    result = {"gestures": [], "subjects": {}}
+    for names, extra in ((mirrored, ["--mirror"]), (single, [])):
+        if not names:
+            continue
+        command = [pelmora, "tune", catalogue] + data_options(labels, cache, folder, form, window) + [
+            "--gestures", ",".join(names), "--loso", "only", "--passes", str(passes)] + extra
+        part = json.loads(subprocess.run(command, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                                         text=True).stdout)
+        result["recordings"] = part["recordings"]
+        result["gestures"] += part["gestures"]
+        for subject, rows in part["subjects"].items():
+            result["subjects"].setdefault(subject, []).extend(rows)
     result["gestures"] = last_rows(result["gestures"])
     result["subjects"] = {subject: last_rows(rows) for subject, rows in result["subjects"].items()}
     return result
