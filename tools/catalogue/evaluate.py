@@ -100,7 +100,7 @@ def mapped_gestures(path):
     with open(path) as lines:
         for line in lines:
             fields = line.split("#")[0].split()
-            for name in fields[1].split("|") if len(fields) == 2 else []:
+            for name in fields[1].split("|") if len(fields) >= 2 else []:
                 if name not in ("none", "-") and name not in names:
                     names.append(name)
     return names
