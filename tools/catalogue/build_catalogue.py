@@ -20,10 +20,16 @@ def fn(name, ret, *ops):
     funcs.append((name, ret, ops))
 
 
+def follow(target, source, step, rate):
+    """target moves toward source by rate of the gap each frame; step is scratch."""
+    fn('SUB', '@'+step, '@'+source, '@'+target); fn('MUL', '@'+step, '@'+step, rate); fn('ADD', '@'+target, '@'+target, '@'+step)
+
+
 # ---- Body frame
 val('vector3','ShoulderLine'); val('float','ShoulderWidth'); val('vector3','RightDir')
 val('vector3','TorsoLine'); val('float','TorsoLength'); val('vector3','UpDir')
-val('vector3','PlaneNormal'); val('vector3','FeetLine'); val('float','Facing'); val('float','FacingAbs'); val('float','FacingSign')
+val('vector3','PlaneNormal'); val('vector3','FeetLine'); val('float','Facing')
+val('float','FacingSteady'); val('float','FacingStep')
 val('vector3','ForwardDir')
 fn('SUB','@ShoulderLine','@P_RightShoulder','@P_LeftShoulder')
 fn('LENGTH','@ShoulderWidth','@ShoulderLine')
@@ -37,9 +43,17 @@ fn('SUB','@FeetLine','@P_LeftFoot','@P_LeftAnkle')
 fn('ADD','@FeetLine','@FeetLine','@P_RightFoot')
 fn('SUB','@FeetLine','@FeetLine','@P_RightAnkle')
 fn('DOT','@Facing','@PlaneNormal','@FeetLine')
-fn('ABS','@FacingAbs','@Facing')
-fn('DIV','@FacingSign','@Facing','@FacingAbs')
-fn('MUL','@ForwardDir','@PlaneNormal','@FacingSign')
+# The feet are tracked loosely: a frame's facing flips now and then (often for
+# long stretches when the person squats or turns the toes), and every reach
+# forward flips with it. FacingSteady follows the facing at 5% a frame and
+# starts at the first frame's, so only a lasting turn changes the forward
+# side; a frame whose feet clearly point one way weighs more than one whose
+# feet lie nearly along the shoulders.
+follow('FacingSteady', 'Facing', 'FacingStep', '0.05')
+facing_funcs = list(funcs); funcs.clear()
+fn('MUL','@FacingSteady','@Facing','1.0')
+facing_start_funcs = list(funcs); funcs.clear()
+fn('MUL','@ForwardDir','@PlaneNormal','@FacingSteady')
 fn('NORMALIZE','@ForwardDir','@ForwardDir')
 
 def sidefeat(s, sign):
@@ -144,9 +158,6 @@ for n, joint in HEIGHTS:
     fn('DOT', '@'+n+'Rise', '@Drift', '@UpReference')
     fn('DIV', '@'+n+'Rise', '@'+n+'Rise', '@TorsoLength')
     fn('MUL', '@Drift', '@Drift', '0.03'); fn('ADD', '@'+n+'Anchor', '@'+n+'Anchor', '@Drift')
-def follow(target, source, step, rate):
-    """target moves toward source by rate of the gap each frame; step is scratch."""
-    fn('SUB', '@'+step, '@'+source, '@'+target); fn('MUL', '@'+step, '@'+step, rate); fn('ADD', '@'+target, '@'+target, '@'+step)
 # HandsFromHead follows the hands' mean distance from the head at 10% a frame,
 # so a hand passing the head does not count as resting near it.
 val('float', 'HandsNearHead'); val('float', 'HandsFromHead')
@@ -400,7 +411,9 @@ def block(update, comment, fs):
         a = ' '.join('value%d="%s"' % (i + 1, attr(v)) for i, v in enumerate(ops))
         w('    <Function name="%s" return="%s" %s/>' % (name, ret, a))
     w('  </Processing>')
-block(1, 'Body frame and per-side measures, every frame.', frame_funcs)
+block(1, 'Body frame, every frame: the facing read from the feet follows slowly (5% per frame).', facing_funcs)
+block(0, 'Start of tracking: the facing begins at the current pose.', facing_start_funcs)
+block(1, 'Forward direction and per-side measures, every frame.', frame_funcs)
 block(0, 'Start of tracking: the vertical and the anchors begin at the current pose.', start_funcs)
 block(1, 'The vertical (1% per frame) and the anchors (3% per frame) follow slowly; rises are measured from them.', baseline_funcs)
 for name, comment, segs in gestures:
