@@ -134,7 +134,8 @@ def left_out(pelmora, catalogue, labels, cache, folder, form, window, passes):
         result["gestures"] += part["gestures"]
         for subject, rows in part["subjects"].items():
             result["subjects"].setdefault(subject, []).extend(rows)
-    result["gestures"] = last_rows(result["gestures"])
+    in_map_order = lambda row: gestures.index(row["gesture"].split("|")[0])
+    result["gestures"] = sorted(last_rows(result["gestures"]), key=in_map_order)
     result["subjects"] = {subject: last_rows(rows) for subject, rows in result["subjects"].items()}
     return result
 
