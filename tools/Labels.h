@@ -6,8 +6,8 @@
 // either gesture counts), "none" for a negative (any event there is false)
 // and "-" for don't care (events there count neither way); a gesture's label
 // marked "repeated" may hold several performances, found by its first event.
-// A manifest names
-// each recording's subject and, for whole-file labels, its label.
+// A manifest names each recording's subject and, for whole-file labels, its
+// label.
 // Plain data read once; safe to share between threads read-only.
 #pragma once
 

@@ -33,7 +33,6 @@ struct Detection {
     long long player = 0;
     double timeMs = 0.0;
     size_t target = 0;
-    bool repeated = false;  // may hold several performances of target
 };
 
 struct Tally {
