@@ -151,8 +151,7 @@ for n, joint in HEIGHTS:
 for s in ('Right', 'Left'):
     fn('MUL', '@'+s+'HandRiseLately', '@'+s+'HandRise', '1.0')
 start_funcs = list(funcs); funcs.clear()
-fn('SUB', '@Drift', '@UpDir', '@UpReference'); fn('MUL', '@Drift', '@Drift', '0.01')
-fn('ADD', '@UpReference', '@UpReference', '@Drift'); fn('NORMALIZE', '@UpReference', '@UpReference')
+follow('UpReference', 'UpDir', 'Drift', '0.01'); fn('NORMALIZE', '@UpReference', '@UpReference')
 for n, joint in HEIGHTS:
     fn('SUB', '@Drift', joint, '@'+n+'Anchor')
     fn('DOT', '@'+n+'Rise', '@Drift', '@UpReference')
