@@ -90,6 +90,11 @@ def sidefeat(s, sign):
     hl = s+'HandLift'; val('float', hl)
     fn('DOT', '@'+hl, '@V_'+s+'Hand', '@UpDir'); fn('DIV', '@'+hl, '@'+hl, '@'+seg); fn('MUL', '@'+hl, '@'+hl, '1000.0')
     proj(s+'HandOut', hfs, 'RightDir', seg, True)
+    # how far out the hand is along the side turned 30 degrees forward, in
+    # arm lengths: people push out to the side straight or half forward
+    od = s+'OutwardDir'; val('vector3', od)
+    fn('MUL', '@'+od, '@ForwardDir', '0.577'); fn('ADD' if sign > 0 else 'SUB', '@'+od, '@'+od, '@RightDir'); fn('NORMALIZE', '@'+od, '@'+od)
+    proj(s+'HandOutward', hfs, od, seg)
     proj(s+'HandRise', hfs, 'UpDir', seg)
     fa = s+'Forearm'; val('vector3', fa); fn('SUB', '@'+fa, '@P_'+s+'Hand', '@P_'+s+'Elbow')
     proj(s+'ForearmRise', fa, 'UpDir', seg)
@@ -261,11 +266,18 @@ swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back a
       [within(600), q('RightHandAcross', '<', '-0.12'), q('RightHandRise', '>', '-0.15'), q('RightHandReach', '>', '0.3')],
       [within(900), q('RightHandAcross', '>', '1.3'), q('RightHandRise', '>', '-0.125')],
       [within(770), q('RightHandAcross', '>', '0.3', True)])
-G('PushRight', "the right hand pushes out to the person's right at shoulder height, arm straight, the left hand staying in",
-  [q('RightHandOut', '<', '0.7')],
-  begun('RightHandOut', '>', '0.6'),
-  [within(2400), q('RightHandOut', '>', '0.8'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.5'), q('RightHandRise', '<', '0.25'), q('LeftHandOut', '<', '0.31'),
-   q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')])
+# A push to the right sweeps the hand from in front of the body or across it
+# out to the side, straight out or half forward, below the shoulder, and
+# holds it there a moment with the left hand still in. A throw's backswing
+# or a wind-up passes the same place with the hand rising or just come down
+# from high, a duck's balancing arm goes straight forward from the side, and
+# a wind-up takes the left hand out too.
+G('PushRight', "the right hand, brought in front of the body, sweeps out to the person's right, straight out or half forward, arm straight, the left hand staying in, and stays out a moment",
+  [q('RightHandOut', '<', '0.0')],
+  [q('RightHandRise', '>', '-0.85', True), q('RightHandOutward', '>', '0.35')],
+  [within(2050), q('RightHandOutward', '>', '0.75'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.6'), q('RightHandRise', '<', '0.25'), q('RightHandRiseLately', '<', '0.15'),
+   q('LeftHandOut', '<', '0.31'), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
+  [q('RightHandOutward', '>', '0.65', True), q('RightHandRise', '<', '0.3', True), q('LeftHandOut', '<', '0.45', True), held(125)])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard to shoulder height while the %s hand keeps its guard near the chin' % (s.lower(), o.lower()),
       [q(s+'HandReach', '<', '0.7')],

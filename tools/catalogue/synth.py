@@ -81,7 +81,7 @@ def gestures():
     wave_out = ((0.9, 0.15, 0.3), (0.5, 0.87, 0.1))
     swipe_from = ((0.8, -0.5, 0.35), (0.3, 0.2, 0.93))
     swipe_to = ((-0.45, -0.35, 0.8), (-0.75, 0.1, 0.6))
-    push_from = ((0.35, -0.8, 0.4), (0.1, 0.35, 0.95))
+    push_from = ((-0.1, -0.9, 0.45), (-0.8, 0.1, 0.6))
     punch = ((0.05, 0.05, 1), (0.02, 0.05, 1))
     stop = ((0.05, 0.05, 1), (0.0, 0.25, 1))
     kick_front = ((0.02, -0.1, 1.0), (0.0, -0.95, 0.3))
@@ -100,6 +100,7 @@ def gestures():
         # People sweep back to the right with the right hand too.
         "SwipeRight": [(0.5, arms(right=swipe_to)), (0.3, arms(right=swipe_to)), (0.35, arms(right=swipe_from)),
                        (0.6, REST)],
+        # People bring the hand across the body before pushing it out.
         "PushRight": [(0.5, arms(right=push_from)), (0.3, arms(right=push_from)), (0.35, arms(right=out_arm)),
                       (0.6, REST)],
         "RightPunch": [(0.5, arms(GUARD, mirrored(GUARD))), (0.3, arms(GUARD, mirrored(GUARD))),
