@@ -99,6 +99,10 @@ def sidefeat(s, sign):
     fa = s+'Forearm'; val('vector3', fa); fn('SUB', '@'+fa, '@P_'+s+'Hand', '@P_'+s+'Elbow')
     proj(s+'ForearmRise', fa, 'UpDir', seg)
     proj(s+'ForearmOut', fa, 'RightDir', seg, True)
+    # how far the hand is ahead of its elbow: a throw is cocked with the
+    # forearm raised and the hand back over or behind the elbow, however
+    # high the whole arm is held
+    proj(s+'ForearmReach', fa, 'ForwardDir', seg)
     hh = s+'HandFromHead'; val('vector3', hh); fn('SUB', '@'+hh, '@P_'+s+'Hand', '@P_Head')
     proj(s+'HandAboveHead', hh, 'UpDir', 'TorsoLength')
     nh = s+'HandNearHead'; val('float', nh); fn('DISTANCE', '@'+nh, '@P_'+s+'Hand', '@P_Head'); fn('DIV', '@'+nh, '@'+nh, '@ShoulderWidth')
@@ -372,9 +376,12 @@ G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles,
   [within(2500), q('RightHandNearHead', '<', '1.0'), q('LeftHandNearHead', '<', '1.0'), q('RightHandAboveHead', '<', '0.0'), q('LeftHandAboveHead', '<', '0.0'),
    q('RightHandReach', '>', '0.25'), q('LeftHandReach', '>', '0.25'), q('HandsGap', '<', '1.0')],
   [q('RightHandNearHead', '<', '1.3', True), q('LeftHandNearHead', '<', '1.3', True), q('RightHandAboveHead', '<', '0.08', True), q('LeftHandAboveHead', '<', '0.08', True), held(400)])
-G('Throw', 'the right hand, cocked back beside the head, is thrown fast forward with the right shoulder driving forward too, the left hand having stayed down',
-  [q('RightHandReach', '<', '0.3'), q('RightHandRise', '>', '0.44')],
-  [within(600), q('RightShoulderPush', '>', '0.65'), q('RightHandPush', '>', '2.0'), q('LeftHandRiseLately', '<', '0.0')],
+# A throw is cocked by the forearm, raised with the hand back over the
+# elbow, not by the height of the hand: some people cock it only a little
+# above the shoulder, as when throwing something just picked up.
+G('Throw', 'the right forearm, cocked up with the hand back over the elbow, is thrown fast forward with the right shoulder driving forward too, the left hand having stayed down',
+  [q('RightForearmRise', '>', '0.35'), q('RightForearmReach', '<', '0.0')],
+  [within(600), q('RightShoulderPush', '>', '0.8'), q('RightHandPush', '>', '2.0'), q('LeftHandRiseLately', '<', '0.0')],
   [within(400), q('RightHandReach', '>', '0.7')])
 G('HadEnough', 'both hands come up from low to the top of the head, as if in despair, and rest there a moment',
   [q('RightHandRise', '<', '-0.4'), q('LeftHandRise', '<', '-0.4')],
