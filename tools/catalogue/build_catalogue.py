@@ -316,11 +316,13 @@ G('Duck', 'from standing, the knees bend, the torso upright, until the hips drop
   begun('LegStretch', '<', '0.88'),
   [within(2750), q('CrouchStretch', '<', '0.72'), q('TorsoUpright', '>', '0.8'), q('RightFootRise', '<', '0.05'), q('LeftFootRise', '<', '0.05')],
   [q('CrouchStretch', '<', '0.85', True), held(350)])
-G('Bow', 'with straight legs the torso bends forward over the hips, the chest turning down and the hands kept off the floor, and comes back up',
+# Bowling a ball bends the torso over too, but lunges: the legs bend while
+# the torso comes back up, where a bow keeps them straight.
+G('Bow', 'with straight legs the torso bends forward over the hips, the chest turning down and the hands kept off the floor, and comes back up, the legs staying straight',
   [q('TorsoThigh', '<', '-0.425')],
   begun('TorsoThigh', '>', '-0.93'),
   [within(1000), q('TorsoThigh', '>', '-0.86'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85'), q('TorsoFacingUp', '<', '-0.35'), q('LowerHandHeight', '>', '0.5', True), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
-  [within(4275), q('LowerHandHeight', '>', '0.5', True), q('TorsoThigh', '<', '-0.95'), q('RightFootRise', '<', '0.0'), q('LeftFootRise', '<', '0.0')])
+  [within(4275), q('LowerHandHeight', '>', '0.5', True), q('LegStretch', '>', '0.9', True), q('TorsoThigh', '<', '-0.95'), q('RightFootRise', '<', '0.0'), q('LeftFootRise', '<', '0.0')])
 tpose = [q('RightHandOut', '>', '0.8'), q('LeftHandOut', '>', '0.8'), q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.3'),
          q('LeftHandRise', '>', '-0.3'), q('LeftHandRise', '<', '0.3'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85')]
 G('TPose', 'both arms held straight out sideways at shoulder height for a second',
