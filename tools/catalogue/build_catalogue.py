@@ -232,9 +232,11 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
       [q(s+'HandAboveHead', '<', '-0.3')],
       [within(2000)] + hand_up,
       R(hand_up) + [held(700)])
+# Arms raised forward stay about a shoulder width apart, where aiming a
+# shot holds the hands together.
 straight_up = [q('RightHandRise', '>', '0.4', True), q('LeftHandRise', '>', '0.4', True), q('RightArmStraight', '>', '0.9', True), q('LeftArmStraight', '>', '0.9', True),
-               q('RightHandNearHead', '>', '0.96', True), q('LeftHandNearHead', '>', '0.96', True)]
-G('RaiseBothArms', 'both arms swing up straight, sideways or forward, until both hands are above the shoulders, arms straight and away from the head, and stay there a moment',
+               q('RightHandNearHead', '>', '0.96', True), q('LeftHandNearHead', '>', '0.96', True), q('HandsGap', '>', '0.6', True)]
+G('RaiseBothArms', 'both arms swing up straight, sideways or forward, until both hands are above the shoulders, arms straight, apart and away from the head, and stay there a moment',
   [q('RightHandRise', '<', '-0.1'), q('LeftHandRise', '<', '-0.1')],
   [within(2000), q('RightHandRise', '>', '-0.3'), q('LeftHandRise', '>', '-0.3'), q('RightArmStraight', '>', '0.9'), q('LeftArmStraight', '>', '0.9')],
   [within(1200), q('RightHandRise', '>', '0.4'), q('LeftHandRise', '>', '0.4'), q('RightArmStraight', '>', '0.9'), q('LeftArmStraight', '>', '0.9'),
