@@ -294,10 +294,12 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
 # until it is down again: a foot that strays well to either side is a side
 # kick's (a fighter turned side-on is tracked with it out or across the
 # body), so one kick is not both. Timing the kick from its first lift, not
-# from rest, gives a kick begun at any moment its whole time.
+# from rest, gives a kick begun at any moment its whole time. The kick arms
+# again only once the foot is back on the floor: a foot drawn back from one
+# kick, still raised, would otherwise count as a second kick.
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G('Front'+s+'Kick', 'the %s foot leaves the floor and snaps forward, staying in front of its hip, the other foot staying down, and comes back down' % s.lower(),
-      [q(s+'FootUp', '<', '-1.6')],
+      [q(s+'FootUp', '<', '-1.6'), q(s+'FootRise', '<', '0.2')],
       begun(s+'FootUp', '>', '-1.5'),
       [within(1150), q(s+'FootAsideSteady', '<', '0.7', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2')],
       [within(1000), q(s+'FootAsideSteady', '<', '1.7', True), q(s+'FootUp', '<', '-1.4')])
