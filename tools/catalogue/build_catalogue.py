@@ -371,11 +371,13 @@ G('PushBothHands', 'standing, both hands, raised in front of the chest, push for
   [within(1200), q('RightHandReach', '>', '0.85'), q('LeftHandReach', '>', '0.85'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85'),
    q('HandsGap', '>', '0.7'), q('HandsGap', '<', '1.28'), q('LegStretch', '>', '0.9'),
    q('RightHandRise', '>', '-0.15'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.15'), q('LeftHandRise', '<', '0.25')])
+# The recoil is the hands moving up: people who shoot again without
+# lowering them bring them down through the same heights onto the aim.
 G('Shoot', 'both hands, together, are raised from low and pointed straight forward at chest height, then kick up with the recoil',
   [q('RightHandReach', '<', '0.86'), q('LeftHandReach', '<', '0.86')],
   begun('RightHandReach', '>', '0.88'),
   [within(1500), q('RightHandReach', '>', '0.8'), q('LeftHandReach', '>', '0.8'), q('HandsGap', '<', '0.4')] + chest('Right') + chest('Left'),
-  [within(2600), q('RightHandRise', '>', '0.15'), q('LeftHandRise', '>', '0.15'), q('HandsGap', '<', '0.3')])
+  [within(2600), q('RightHandRise', '>', '0.15'), q('LeftHandRise', '>', '0.15'), q('HandsGap', '<', '0.3'), q('RightHandLift', '>', '0.2')])
 G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles, and stay there a moment',
   [q('RightHandRise', '<', '-0.6'), q('LeftHandRise', '<', '-0.6')],
   begun('RightHandRise', '>', '-0.4'),
