@@ -105,6 +105,9 @@ def sidefeat(s, sign):
     proj(s+'ForearmReach', fa, 'ForwardDir', seg)
     hh = s+'HandFromHead'; val('vector3', hh); fn('SUB', '@'+hh, '@P_'+s+'Hand', '@P_Head')
     proj(s+'HandAboveHead', hh, 'UpDir', 'TorsoLength')
+    # how far the hand is in front of the face, in shoulder widths: goggles
+    # are held before the eyes, hands put on the head rest over or behind it
+    proj(s+'HandBeforeHead', hh, 'ForwardDir', 'ShoulderWidth')
     nh = s+'HandNearHead'; val('float', nh); fn('DISTANCE', '@'+nh, '@P_'+s+'Hand', '@P_Head'); fn('DIV', '@'+nh, '@'+nh, '@ShoulderWidth')
     hn = s+'HandFromNeck'; val('vector3', hn); fn('SUB', '@'+hn, '@P_'+s+'Hand', '@P_Neck')
     proj(s+'HandAcross', hn, 'RightDir', 'ShoulderWidth')
@@ -378,12 +381,19 @@ G('Shoot', 'both hands, together, are raised from low and pointed straight forwa
   begun('RightHandReach', '>', '0.88'),
   [within(1500), q('RightHandReach', '>', '0.8'), q('LeftHandReach', '>', '0.8'), q('HandsGap', '<', '0.4')] + chest('Right') + chest('Left'),
   [within(2600), q('RightHandRise', '>', '0.15'), q('LeftHandRise', '>', '0.15'), q('HandsGap', '<', '0.3'), q('RightHandLift', '>', '0.2')])
-G('Goggles', 'both hands come up from low to the eyes, as if putting on goggles, and stay there a moment',
+# Goggles are held before the eyes: the hands come up in front of the face,
+# apart, and stay below the height at which had-enough rests them on top of
+# the head. The height is read from the shoulders, as the head is tracked
+# low on some people; a shot aims with the hands together, and claps and
+# arm curls bring them up in front only to the chest.
+G('Goggles', 'both hands come up from low to the eyes, in front of the face and apart, as if putting on goggles, and stay there a moment',
   [q('RightHandRise', '<', '-0.6'), q('LeftHandRise', '<', '-0.6')],
   begun('RightHandRise', '>', '-0.4'),
-  [within(2500), q('RightHandNearHead', '<', '1.0'), q('LeftHandNearHead', '<', '1.0'), q('RightHandAboveHead', '<', '0.0'), q('LeftHandAboveHead', '<', '0.0'),
-   q('RightHandReach', '>', '0.25'), q('LeftHandReach', '>', '0.25'), q('HandsGap', '<', '1.0')],
-  [q('RightHandNearHead', '<', '1.3', True), q('LeftHandNearHead', '<', '1.3', True), q('RightHandAboveHead', '<', '0.08', True), q('LeftHandAboveHead', '<', '0.08', True), held(400)])
+  [within(2500), q('RightHandNearHead', '<', '1.2'), q('LeftHandNearHead', '<', '1.2'), q('RightHandRise', '>', '0.25'), q('LeftHandRise', '>', '0.25'),
+   q('RightHandRise', '<', '0.55'), q('LeftHandRise', '<', '0.55'), q('RightHandBeforeHead', '>', '0.35'), q('LeftHandBeforeHead', '>', '0.35'),
+   q('HandsGap', '>', '0.3'), q('HandsGap', '<', '1.0')],
+  [q('RightHandNearHead', '<', '1.3', True), q('LeftHandNearHead', '<', '1.3', True), q('RightHandRise', '<', '0.65', True), q('LeftHandRise', '<', '0.65', True),
+   q('RightHandBeforeHead', '>', '0.15', True), q('LeftHandBeforeHead', '>', '0.15', True), held(400)])
 # A throw is cocked by the forearm, raised with the hand back over the
 # elbow, not by the height of the hand: some people cock it only a little
 # above the shoulder, as when throwing something just picked up.
