@@ -139,13 +139,17 @@ def lesser(target, a, b, gap):
     fn('ADD', '@'+target, '@'+a, '@'+b); fn('SUB', '@'+target, '@'+target, '@'+gap); fn('MUL', '@'+target, '@'+target, '0.5')
 val('float','LowerHandRise'); val('float','HandsRiseGap')
 lesser('LowerHandRise', 'RightHandRise', 'LeftHandRise', 'HandsRiseGap')
-# CrouchStretch is the legs' stretch lowered by 0.2 times (1 + the lower hand's
-# rise, capped at shoulder height): people squatting hold both arms forward
-# for balance and bend the knees only as far as sitting down (stretch about
-# 0.85), where a duck bends them further with the hands low.
-val('float','CrouchStretch')
-fn('ABS','@CrouchStretch','@LowerHandRise'); fn('SUB','@CrouchStretch','@LowerHandRise','@CrouchStretch'); fn('MUL','@CrouchStretch','@CrouchStretch','0.5')
-fn('ADD','@CrouchStretch','@CrouchStretch','1.0'); fn('MUL','@CrouchStretch','@CrouchStretch','-0.2'); fn('ADD','@CrouchStretch','@CrouchStretch','@LegStretch')
+# CrouchStretch is the legs' stretch lowered by up to 0.2 as the lower hand
+# rises toward shoulder height: people squatting hold both arms forward for
+# balance and bend the knees only as far as sitting down (stretch about
+# 0.85), where a duck bends them further with the hands low. Only a hand
+# raised above two thirds of an arm below the shoulder counts, 0.2 times
+# (1 + 1.5 times its rise, capped at the shoulder): a person sitting down
+# lets the hands hang by the thighs, lower than that.
+val('float','CrouchStretch'); val('float','CrouchHands')
+fn('ABS','@CrouchStretch','@LowerHandRise'); fn('SUB','@CrouchStretch','@LowerHandRise','@CrouchStretch'); fn('MUL','@CrouchStretch','@CrouchStretch','0.75')
+fn('ADD','@CrouchStretch','@CrouchStretch','1.0'); fn('ABS','@CrouchHands','@CrouchStretch'); fn('ADD','@CrouchStretch','@CrouchStretch','@CrouchHands')
+fn('MUL','@CrouchStretch','@CrouchStretch','-0.1'); fn('ADD','@CrouchStretch','@CrouchStretch','@LegStretch')
 val('vector3','ThighLine'); val('float','TorsoThigh')
 fn('SUB','@ThighLine','@P_RightKnee','@P_RightHip'); fn('ADD','@ThighLine','@ThighLine','@P_LeftKnee'); fn('SUB','@ThighLine','@ThighLine','@P_LeftHip')
 fn('NORMALIZE','@ThighLine','@ThighLine'); fn('DOT','@TorsoThigh','@UpDir','@ThighLine')
@@ -321,7 +325,7 @@ G('Jump', 'the waist and both feet rise together above their anchors, then the b
 G('Duck', 'from standing, the knees bend, the torso upright, until the hips drop well below their standing height, or as far as sitting down with both hands held forward, and the crouch is held a moment',
   [q('LegStretch', '>', '0.9')],
   begun('LegStretch', '<', '0.88'),
-  [within(2750), q('CrouchStretch', '<', '0.72'), q('TorsoUpright', '>', '0.8'), q('RightFootRise', '<', '0.05'), q('LeftFootRise', '<', '0.05')],
+  [within(2750), q('CrouchStretch', '<', '0.74'), q('TorsoUpright', '>', '0.8'), q('RightFootRise', '<', '0.05'), q('LeftFootRise', '<', '0.05')],
   [q('CrouchStretch', '<', '0.85', True), held(350)])
 # Bowling a ball bends the torso over too, but lunges: the legs bend while
 # the torso comes back up, where a bow keeps them straight.
