@@ -187,6 +187,22 @@ for s in ('Right', 'Left'):
 # how far the right hand is to the left of the left hand, in shoulder widths
 val('float', 'HandsCrossed'); fn('SUB', '@HandsCrossed', '@LeftHandAcross', '@RightHandAcross')
 val('float', 'HandsGap'); fn('DISTANCE', '@HandsGap', '@P_RightHand', '@P_LeftHand'); fn('DIV', '@HandsGap', '@HandsGap', '@ShoulderWidth')
+# HandsApart and ArmsStraightness follow the hands' gap and the arms' mean
+# straightness at 10% a frame: beating drums keeps the hands apart and the
+# elbows bent on the whole, though a stroke may bring the hands near or
+# straighten an arm for a frame or two.
+val('float', 'HandsApart'); val('float', 'HandsApartStep')
+follow('HandsApart', 'HandsGap', 'HandsApartStep', '0.1')
+val('float', 'ArmsStraight'); val('float', 'ArmsStraightness')
+fn('ADD', '@ArmsStraight', '@RightArmStraight', '@LeftArmStraight'); fn('MUL', '@ArmsStraight', '@ArmsStraight', '0.5')
+follow('ArmsStraightness', 'ArmsStraight', 'ArmsStraight', '0.1')
+# HandsBeating follows the sum of both hands' vertical speeds, in arm lengths
+# per second, at 10% a frame: beating keeps the hands going up and down,
+# where arms raised or hands held at the head soon come to rest.
+val('float', 'HandsBeating'); val('float', 'HandsVerticalSpeed'); val('float', 'LeftHandVerticalSpeed')
+fn('ABS', '@HandsVerticalSpeed', '@RightHandLift'); fn('ABS', '@LeftHandVerticalSpeed', '@LeftHandLift')
+fn('ADD', '@HandsVerticalSpeed', '@HandsVerticalSpeed', '@LeftHandVerticalSpeed')
+follow('HandsBeating', 'HandsVerticalSpeed', 'HandsVerticalSpeed', '0.1')
 # HandRiseLately holds a hand's highest rise of about the last second: it
 # sinks by 0.02 a frame and jumps back up with the hand. A tennis serve tosses
 # with the left hand, a basketball shot lifts both hands, and both are over
@@ -420,11 +436,18 @@ G('ChangeWeapon', 'the right hand reaches up over the left shoulder, then both h
   begun('RightHandRise', '>', '-0.2'),
   [within(2300), q('RightHandAcross', '<', '-0.375'), q('RightHandRise', '>', '0.0'), q('LeftHandRise', '<', '-0.1'), q('RightHandNearHead', '<', '1.6')],
   [within(2750), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.11'), q('RightHandRise', '<', '0.06'), q('HandsGap', '<', '2.48')])
-G('BeatBoth', 'both hands, raised to the height of the head but kept away from it, keep beating for a while, then come down',
+# Beating is told from arms raised and held, from hands held at the head or
+# the eyes and from a shot by the hands still moving after half a second up,
+# kept apart, with the elbows bent on the whole. Some people beat for barely
+# a second, so the beat is not timed by how long the hands stay up.
+beat_up = [q('LowerHandRise', '>', '-0.1', True), q('HandsFromHead', '>', '0.68', True)]
+G('BeatBoth', 'both hands, raised to the height of the head but kept away from it and apart, keep beating with the elbows bent, then come down',
   [q('RightHandRise', '<', '-0.69'), q('LeftHandRise', '<', '-0.69')],
-  [within(3300), q('RightHandRise', '>', '0.41'), q('LeftHandRise', '>', '0.41')],
-  [q('RightHandRise', '>', '-0.16', True), q('LeftHandRise', '>', '-0.16', True), q('HandsFromHead', '>', '0.68', True), held(1800)],
-  [within(3500), q('RightHandRise', '<', '-0.14'), q('LeftHandRise', '<', '-0.14')])
+  begun('LowerHandRise', '>', '-0.5'),
+  [within(1500), q('LowerHandRise', '>', '0.2')],
+  beat_up + [held(500)],
+  beat_up + [q('HandsBeating', '>', '0.75', True), held(500), q('HandsApart', '>', '1.2'), q('ArmsStraightness', '<', '0.9')],
+  [within(4800), q('RightHandRise', '<', '-0.07'), q('LeftHandRise', '<', '-0.07')])
 
 def attr(v): return v.replace('&', '&amp;').replace('<', '&lt;').replace('"', '&quot;')
 out = []
