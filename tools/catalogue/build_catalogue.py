@@ -368,11 +368,13 @@ G('Stop', 'the right palm is pushed toward the sensor at shoulder height and hel
 
 # Arms folded cross well past each other at the chest, and do so soon after
 # the hands meet in the middle; hands clasped low in front overlap a little,
-# and a bat swung across the body takes longer to get there.
-G('CrossArms', 'the forearms cross in front of the chest, the right hand well to the left of the left hand, and stay crossed',
+# and a bat swung across the body takes longer to get there. They are folded
+# standing: hands held out for balance in a squat cross now and then.
+G('CrossArms', 'standing, the forearms cross in front of the chest, the right hand well to the left of the left hand, and stay crossed',
   [q('HandsCrossed', '<', '-0.6')],
   begun('HandsCrossed', '>', '0.0'),
-  [within(500), q('HandsCrossed', '>', '0.5'), q('RightHandRise', '>', '-0.45'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.45'), q('LeftHandRise', '<', '0.25')],
+  [within(500), q('HandsCrossed', '>', '0.5'), q('RightHandRise', '>', '-0.45'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.45'), q('LeftHandRise', '<', '0.25'),
+   q('LegStretch', '>', '0.9')],
   [q('HandsCrossed', '>', '0.2', True), held(400)])
 # A clap counts once until the hands come down again, however many times
 # they meet. They meet in front of the chest, standing, and not at arm's
