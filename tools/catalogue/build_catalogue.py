@@ -55,6 +55,8 @@ fn('MUL','@FacingSteady','@Facing','1.0')
 facing_start_funcs = list(funcs); funcs.clear()
 fn('MUL','@ForwardDir','@PlaneNormal','@FacingSteady')
 fn('NORMALIZE','@ForwardDir','@ForwardDir')
+val('vector3','AheadHighDir')
+fn('ADD','@AheadHighDir','@ForwardDir','@UpDir'); fn('NORMALIZE','@AheadHighDir','@AheadHighDir')
 
 def sidefeat(s, sign):
     o = 'Left' if s == 'Right' else 'Right'
@@ -95,6 +97,11 @@ def sidefeat(s, sign):
     od = s+'OutwardDir'; val('vector3', od)
     fn('MUL', '@'+od, '@ForwardDir', '0.577'); fn('ADD' if sign > 0 else 'SUB', '@'+od, '@'+od, '@RightDir'); fn('NORMALIZE', '@'+od, '@'+od)
     proj(s+'HandOutward', hfs, od, seg)
+    # how far the hand is ahead and up together, along the direction halfway
+    # between forward and up, in arm lengths: a hand swept out at the side
+    # stays low or near the shoulder line, one drawing in the air or swiping
+    # goes out in front at shoulder height
+    proj(s+'HandAheadHigh', hfs, 'AheadHighDir', seg)
     proj(s+'HandRise', hfs, 'UpDir', seg)
     fa = s+'Forearm'; val('vector3', fa); fn('SUB', '@'+fa, '@P_'+s+'Hand', '@P_'+s+'Elbow')
     proj(s+'ForearmRise', fa, 'UpDir', seg)
@@ -295,16 +302,17 @@ swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back a
       [within(600), q('RightHandAcross', '<', '-0.12'), q('RightHandRise', '>', '-0.15'), q('RightHandReach', '>', '0.3')],
       [within(900), q('RightHandAcross', '>', '1.3'), q('RightHandRise', '>', '-0.125')],
       [within(770), q('RightHandAcross', '>', '0.3', True)])
-# A push to the right sweeps the hand from in front of the body or across it
-# out to the side, straight out or half forward, below the shoulder, and
-# holds it there a moment with the left hand still in. A throw's backswing
+# A push to the right sweeps the hand from in front of the body, across it or
+# beside the thigh out to the side, straight out or half forward, below the shoulder, and
+# holds it there a moment with the left hand still in; it does not go up in
+# front as a swipe, a drawing in the air or a back fist does. A throw's backswing
 # or a wind-up passes the same place with the hand rising or just come down
 # from high, a duck's balancing arm goes straight forward from the side, and
 # a wind-up takes the left hand out too.
-G('PushRight', "the right hand, brought in front of the body, sweeps out to the person's right, straight out or half forward, arm straight, the left hand staying in, and stays out a moment",
-  [q('RightHandOut', '<', '0.0')],
+G('PushRight', "the right hand, from in front of the body or beside it, sweeps out to the person's right, straight out or half forward, arm straight, the left hand staying in, and stays out a moment",
+  [q('RightHandOut', '<', '0.1')],
   [q('RightHandRise', '>', '-0.85', True), q('RightHandOutward', '>', '0.35')],
-  [within(2050), q('RightHandOutward', '>', '0.75'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.6'), q('RightHandRise', '<', '0.25'), q('RightHandRiseLately', '<', '0.15'),
+  [within(2050), q('RightHandOutward', '>', '0.75'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.6'), q('RightHandRise', '<', '0.25'), q('RightHandRiseLately', '<', '0.15'), q('RightHandAheadHigh', '<', '0.3'),
    q('LeftHandOut', '<', '0.31'), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
   [q('RightHandOutward', '>', '0.65', True), q('RightHandRise', '<', '0.3', True), q('LeftHandOut', '<', '0.45', True), held(125)])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
