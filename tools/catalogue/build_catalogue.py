@@ -441,10 +441,12 @@ G('WindItUp', 'both hands come up in front of the chest, then swing out wide to 
   [within(1200), q('RightHandRise', '>', '-0.075'), q('LeftHandRise', '>', '-0.075'), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.35'),
    q('RightHandOut', '<', '0.35'), q('LeftHandOut', '<', '0.35')],
   [within(1050), q('RightHandOut', '>', '0.4'), q('LeftHandOut', '>', '0.4'), q('RightHandRise', '<', '0.0'), q('LeftHandRise', '<', '0.0')])
+# Over the shoulder is near the head: a swipe to the left or a stroke of a
+# drawing takes the hand across in front of the chest, further from it.
 G('ChangeWeapon', 'the right hand reaches up over the left shoulder, then both hands come forward together at the waist',
   [q('RightHandAcross', '>', '0.2'), q('RightHandRise', '<', '-0.33')],
   begun('RightHandRise', '>', '-0.2'),
-  [within(2300), q('RightHandAcross', '<', '-0.375'), q('RightHandRise', '>', '0.0'), q('LeftHandRise', '<', '-0.1'), q('RightHandNearHead', '<', '1.6')],
+  [within(2300), q('RightHandAcross', '<', '-0.375'), q('RightHandRise', '>', '0.0'), q('LeftHandRise', '<', '-0.1'), q('RightHandNearHead', '<', '1.3')],
   [within(2750), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.11'), q('RightHandRise', '<', '0.06'), q('HandsGap', '<', '2.48')])
 # Beating is told from arms raised and held, from hands held at the head or
 # the eyes and from a shot by the hands still moving after half a second up,
