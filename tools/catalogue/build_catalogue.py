@@ -334,11 +334,14 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
       begun(s+'FootUp', '>', '-1.5'),
       [within(1150), q(s+'FootAsideSteady', '<', '0.7', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2')],
       [within(1000), q(s+'FootAsideSteady', '<', '1.7', True), q(s+'FootUp', '<', '-1.4')])
+# A fighter's stance bounces a foot off the floor now and then; a lift that
+# comes back down starts the side kick's clock again, so it does not run out
+# under the kick that follows.
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G('Side'+s+'Kick', 'the %s foot leaves the floor and is driven out sideways, more out than forward, the other foot staying down' % s.lower(),
       [q(s+'FootUp', '<', '-1.92')],
       begun(s+'FootUp', '>', '-1.85'),
-      [within(600), q(s+'FootUp', '>', '-1.72'), q(s+'FootRise', '>', '0.35'), q(s+'FootOut', '>', '0.83'), q(s+'FootSideways', '>', '0.45'), q(o+'FootRise', '<', '0.2')])
+      [within(600), q(s+'FootUp', '>', '-2.0', True), q(s+'FootUp', '>', '-1.72'), q(s+'FootRise', '>', '0.35'), q(s+'FootOut', '>', '0.83'), q(s+'FootSideways', '>', '0.45'), q(o+'FootRise', '<', '0.2')])
 G('Jump', 'the waist and both feet rise together above their anchors, then the body lands',
   [q('WaistRise', '<', '0.05')],
   begun('WaistRise', '>', '0.1'),
