@@ -454,8 +454,9 @@ G('ChangeWeapon', 'the right hand reaches up over the left shoulder, then both h
 # Beating is told from arms raised and held, from hands held at the head or
 # the eyes and from a shot by the hands still moving after half a second up,
 # kept apart, with the elbows bent on the whole. Some people beat for barely
-# a second, so the beat is not timed by how long the hands stay up.
-beat_up = [q('LowerHandRise', '>', '-0.1', True), q('HandsFromHead', '>', '0.68', True)]
+# a second, so the beat is not timed by how long the hands stay up. Arms
+# lifted over the head hold both hands higher than a beat takes them.
+beat_up = [q('LowerHandRise', '>', '-0.1', True), q('LowerHandRise', '<', '0.85', True), q('HandsFromHead', '>', '0.68', True)]
 G('BeatBoth', 'both hands, raised to the height of the head but kept away from it and apart, keep beating with the elbows bent, then come down',
   [q('RightHandRise', '<', '-0.69'), q('LeftHandRise', '<', '-0.69')],
   begun('LowerHandRise', '>', '-0.5'),
