@@ -327,12 +327,14 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
 # body), so one kick is not both. Timing the kick from its first lift, not
 # from rest, gives a kick begun at any moment its whole time. The kick arms
 # again only once the foot is back on the floor: a foot drawn back from one
-# kick, still raised, would otherwise count as a second kick.
+# kick, still raised, would otherwise count as a second kick. The body stays
+# up while the foot is raised: the hips dropping toward a crouch, a lunge or
+# a bowler's step raise the foot against them too.
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G('Front'+s+'Kick', 'the %s foot leaves the floor and snaps forward, staying in front of its hip, the other foot staying down, and comes back down' % s.lower(),
       [q(s+'FootUp', '<', '-1.6'), q(s+'FootRise', '<', '0.2')],
       begun(s+'FootUp', '>', '-1.5'),
-      [within(1150), q(s+'FootAsideSteady', '<', '0.7', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2')],
+      [within(1150), q(s+'FootAsideSteady', '<', '0.7', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2'), q('WaistRise', '>', '-0.3')],
       [within(1000), q(s+'FootAsideSteady', '<', '1.7', True), q(s+'FootUp', '<', '-1.4')])
 # A fighter's stance bounces a foot off the floor now and then; a lift that
 # comes back down starts the side kick's clock again, so it does not run out
