@@ -273,7 +273,9 @@ G('RaiseBothArms', 'both arms swing up straight, sideways or forward, until both
    q('RightHandNearHead', '>', '1.12'), q('LeftHandNearHead', '>', '1.12')] + grounded,
   straight_up + [held(300)])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
-    up = lambda rise: [q(s+'ForearmRise', '>', rise, True), q(o+'HandRise', '<', '-0.3', True)]
+    # The waving hand never goes behind the shoulder: a throw's cocked hand
+    # swings the forearm from side to side too, but back there.
+    up = lambda rise: [q(s+'ForearmRise', '>', rise, True), q(o+'HandRise', '<', '-0.3', True), q(s+'HandReach', '>', '0.0', True)]
     G('Wave'+s+'Hand', 'the %s forearm, raised, swings out, in and out again while the %s hand stays low; the hand must come down before the next wave counts' % (s.lower(), o.lower()),
       [q(s+'ForearmRise', '<', '0.1')],
       [within(3000), q(s+'ForearmRise', '>', '0.2'), q(s+'ForearmOut', '<', '-0.1'), q(o+'HandRise', '<', '-0.3')],
