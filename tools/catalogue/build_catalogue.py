@@ -393,14 +393,16 @@ G('CrossArms', 'standing, the forearms cross in front of the chest, the right ha
   [q('HandsCrossed', '>', '0.2', True), held(400)])
 # A clap counts once until the hands come down again, however many times
 # they meet. They meet in front of the chest, standing, and not at arm's
-# length, where hands held out for balance in a squat come together.
+# length, where hands held out for balance in a squat come together. They
+# part before they drop, where hands that meet on a wind-up or on a bat's
+# handle part only as the arms swing down.
 G('Clap', 'both hands come up apart in front of the chest, come together and part again, and must come down before the next clap counts',
   [q('RightHandRise', '<', '-0.7'), q('LeftHandRise', '<', '-0.7')],
   [q('HandsGap', '>', '1.3'), q('RightHandRise', '>', '-0.6'), q('RightHandRise', '<', '0.15'), q('LeftHandRise', '>', '-0.6'), q('LeftHandRise', '<', '0.15')],
   [within(950), q('HandsGap', '<', '0.3'), q('LegStretch', '>', '0.9'), q('RightHandReach', '>', '0.4'), q('LeftHandReach', '>', '0.4'),
    q('RightHandReach', '<', '0.8'), q('LeftHandReach', '<', '0.8'),
    q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.3'), q('LeftHandRise', '<', '0.25')],
-  [within(600), q('HandsGap', '>', '0.5')])
+  [within(600), q('HandsGap', '>', '0.5'), q('RightHandRise', '>', '-0.7'), q('LeftHandRise', '>', '-0.7')])
 # A push starts standing with both hands raised in front of the chest: in a
 # deep squat the feet can turn the forward direction round, so arms held out
 # for balance read as behind the body. It ends with the hands at chest height
