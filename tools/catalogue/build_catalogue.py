@@ -440,9 +440,12 @@ G('Throw', 'the right forearm, cocked up with the hand back over the elbow, is t
   [q('RightForearmRise', '>', '0.35'), q('RightForearmReach', '<', '0.0')],
   [within(600), q('RightShoulderPush', '>', '0.8'), q('RightHandPush', '>', '2.0'), q('LeftHandRiseLately', '<', '0.0')],
   [within(400), q('RightHandReach', '>', '0.7')])
+# Had-enough rests the hands on top of the head, not held before the face
+# as goggles are.
 G('HadEnough', 'both hands come up from low to the top of the head, as if in despair, and rest there a moment',
   [q('RightHandRise', '<', '-0.4'), q('LeftHandRise', '<', '-0.4')],
-  [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandAboveHead', '>', '0.0'), q('LeftHandAboveHead', '>', '0.0')],
+  [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandAboveHead', '>', '0.0'), q('LeftHandAboveHead', '>', '0.0'),
+   q('RightHandBeforeHead', '<', '0.4'), q('LeftHandBeforeHead', '<', '0.4')],
   [q('RightHandNearHead', '<', '0.8', True), q('LeftHandNearHead', '<', '0.8', True), q('RightHandAboveHead', '>', '-0.1', True), q('LeftHandAboveHead', '>', '-0.1', True), held(200)])
 G('WindItUp', 'both hands come up in front of the chest, then swing out wide to the sides and down, as if winding up',
   [q('RightHandRise', '<', '-0.125'), q('LeftHandRise', '<', '-0.125')],
