@@ -398,7 +398,7 @@ G('CrossArms', 'standing, the forearms cross in front of the chest, the right ha
 # handle part only as the arms swing down.
 G('Clap', 'both hands come up apart in front of the chest, come together and part again, and must come down before the next clap counts',
   [q('RightHandRise', '<', '-0.7'), q('LeftHandRise', '<', '-0.7')],
-  [q('HandsGap', '>', '1.3'), q('RightHandRise', '>', '-0.6'), q('RightHandRise', '<', '0.15'), q('LeftHandRise', '>', '-0.6'), q('LeftHandRise', '<', '0.15')],
+  [q('HandsGap', '>', '1.3'), q('RightHandRise', '>', '-0.6'), q('RightHandRise', '<', '0.1'), q('LeftHandRise', '>', '-0.6'), q('LeftHandRise', '<', '0.1')],
   [within(950), q('HandsGap', '<', '0.3'), q('LegStretch', '>', '0.9'), q('RightHandReach', '>', '0.4'), q('LeftHandReach', '>', '0.4'),
    q('RightHandReach', '<', '0.8'), q('LeftHandReach', '<', '0.8'),
    q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.3'), q('LeftHandRise', '<', '0.25')],
