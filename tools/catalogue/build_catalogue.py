@@ -338,14 +338,18 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
       begun(s+'FootUp', '>', '-1.5'),
       [within(1150), q(s+'FootAsideSteady', '<', '0.7', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2'), q('WaistRise', '>', '-0.3')],
       [within(1000), q(s+'FootAsideSteady', '<', '1.7', True), q(s+'FootUp', '<', '-1.4')])
-# A fighter's stance bounces a foot off the floor now and then; a lift that
-# comes back down starts the side kick's clock again, so it does not run out
-# under the kick that follows.
+# A side kick is told by its chamber: the knee comes up with the foot beside
+# the hip, well more out than forward, before the leg extends. Where the
+# foot then goes depends on how far the fighter has turned side-on: straight
+# out, or, turned away, along what the tracker reads as forward or even
+# across the body. So the extension asks only that the foot goes high. The
+# chamber is the move's first step and starts its clock; a foot that comes
+# back down from it, as a fighter's bouncing stance does, starts it again.
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
-    G('Side'+s+'Kick', 'the %s foot leaves the floor and is driven out sideways, more out than forward, the other foot staying down' % s.lower(),
+    G('Side'+s+'Kick', 'the %s foot is chambered beside the hip, more out than forward, then driven up high, the other foot staying down' % s.lower(),
       [q(s+'FootUp', '<', '-1.92')],
-      begun(s+'FootUp', '>', '-1.85'),
-      [within(600), q(s+'FootUp', '>', '-2.0', True), q(s+'FootUp', '>', '-1.72'), q(s+'FootRise', '>', '0.35'), q(s+'FootOut', '>', '0.83'), q(s+'FootSideways', '>', '0.45'), q(o+'FootRise', '<', '0.2')])
+      [q(s+'FootRise', '>', '0.1'), q(s+'FootOut', '>', '0.83'), q(s+'FootSideways', '>', '0.8'), q(o+'FootRise', '<', '0.2')],
+      [within(800), q(s+'FootUp', '>', '-2.3', True), q(s+'FootUp', '>', '-1.72'), q(s+'FootRise', '>', '0.35'), q(o+'FootRise', '<', '0.2')])
 G('Jump', 'the waist and both feet rise together above their anchors, then the body lands',
   [q('WaistRise', '<', '0.05')],
   begun('WaistRise', '>', '0.1'),
