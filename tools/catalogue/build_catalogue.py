@@ -173,6 +173,7 @@ for n, joint in HEIGHTS:
     fn('MUL', '@'+n+'Anchor', joint, '1.0')
 for s in ('Right', 'Left'):
     fn('MUL', '@'+s+'HandRiseLately', '@'+s+'HandRise', '1.0')
+    fn('MUL', '@'+s+'HandTrail', '@P_'+s+'Hand', '1.0')
 start_funcs = list(funcs); funcs.clear()
 follow('UpReference', 'UpDir', 'Drift', '0.01'); fn('NORMALIZE', '@UpReference', '@UpReference')
 for n, joint in HEIGHTS:
@@ -203,13 +204,19 @@ follow('HandsApart', 'HandsGap', 'HandsApartStep', '0.1')
 val('float', 'ArmsStraight'); val('float', 'ArmsStraightness')
 fn('ADD', '@ArmsStraight', '@RightArmStraight', '@LeftArmStraight'); fn('MUL', '@ArmsStraight', '@ArmsStraight', '0.5')
 follow('ArmsStraightness', 'ArmsStraight', 'ArmsStraight', '0.1')
-# HandsBeating follows the sum of both hands' vertical speeds, in arm lengths
-# per second, at 10% a frame: beating keeps the hands going up and down,
-# where arms raised or hands held at the head soon come to rest.
-val('float', 'HandsBeating'); val('float', 'HandsVerticalSpeed'); val('float', 'LeftHandVerticalSpeed')
-fn('ABS', '@HandsVerticalSpeed', '@RightHandLift'); fn('ABS', '@LeftHandVerticalSpeed', '@LeftHandLift')
-fn('ADD', '@HandsVerticalSpeed', '@HandsVerticalSpeed', '@LeftHandVerticalSpeed')
-follow('HandsBeating', 'HandsVerticalSpeed', 'HandsVerticalSpeed', '0.1')
+# HandsSwinging follows, at 10% a frame, how far both hands are from where
+# they were lately (a trail that follows each hand at 10% a frame), in arm
+# lengths: beating keeps the hands swinging to and fro, up and down or in and
+# out as people do it, where arms raised or hands held at the head soon come
+# to rest. A distance rather than a speed, as a Kinect v1 shakes hands held
+# overhead by a few centimetres a frame, which a speed makes much of.
+for s in ('Right', 'Left'):
+    val('vector3', s+'HandTrail'); val('vector3', s+'HandTrailStep'); val('float', s+'HandSwing')
+    follow(s+'HandTrail', 'P_'+s+'Hand', s+'HandTrailStep', '0.1')
+    fn('DISTANCE', '@'+s+'HandSwing', '@P_'+s+'Hand', '@'+s+'HandTrail'); fn('DIV', '@'+s+'HandSwing', '@'+s+'HandSwing', '@'+s+'ArmLength')
+val('float', 'HandsSwinging'); val('float', 'HandsSwing')
+fn('ADD', '@HandsSwing', '@RightHandSwing', '@LeftHandSwing')
+follow('HandsSwinging', 'HandsSwing', 'HandsSwing', '0.1')
 # HandRiseLately holds a hand's highest rise of about the last second: it
 # sinks by 0.02 a frame and jumps back up with the hand. A tennis serve tosses
 # with the left hand, a basketball shot lifts both hands, and both are over
@@ -475,7 +482,7 @@ G('BeatBoth', 'both hands, raised to the height of the head but kept away from i
   begun('LowerHandRise', '>', '-0.5'),
   [within(1500), q('LowerHandRise', '>', '0.2')],
   beat_up + [held(500)],
-  beat_up + [q('HandsBeating', '>', '0.75', True), held(500), q('HandsApart', '>', '1.2'), q('ArmsStraightness', '<', '0.9')],
+  beat_up + [q('HandsSwinging', '>', '0.3', True), held(500), q('HandsApart', '>', '1.2'), q('ArmsStraightness', '<', '0.9')],
   [within(4800), q('RightHandRise', '<', '-0.07'), q('LeftHandRise', '<', '-0.07')])
 
 def attr(v): return v.replace('&', '&amp;').replace('<', '&lt;').replace('"', '&quot;')
