@@ -466,11 +466,17 @@ G('WindItUp', 'both hands come up in front of the chest, then swing out wide to 
   [within(1050), q('RightHandOut', '>', '0.4'), q('LeftHandOut', '>', '0.4'), q('RightHandRise', '<', '0.0'), q('LeftHandRise', '<', '0.0')])
 # Over the shoulder is near the head: a swipe to the left or a stroke of a
 # drawing takes the hand across in front of the chest, further from it.
-G('ChangeWeapon', 'the right hand reaches up over the left shoulder, then both hands come forward together at the waist',
+# Many people reach only a little past the middle of the chest, so the reach
+# counts from a quarter of a shoulder width across, standing upright, where
+# a bow or a duck brings the hand there too. The hands count as forward
+# only once the right hand has come back down below the shoulder: people
+# who keep aiming with the left hand during the reach would otherwise finish
+# at the reach itself, long before the hands come forward again.
+G('ChangeWeapon', 'the right hand reaches up over the left shoulder, standing upright, then comes down and both hands come forward together at the waist',
   [q('RightHandAcross', '>', '0.2'), q('RightHandRise', '<', '-0.33')],
   begun('RightHandRise', '>', '-0.2'),
-  [within(2300), q('RightHandAcross', '<', '-0.375'), q('RightHandRise', '>', '0.0'), q('LeftHandRise', '<', '-0.1'), q('RightHandNearHead', '<', '1.3')],
-  [within(2750), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.11'), q('RightHandRise', '<', '0.06'), q('HandsGap', '<', '2.48')])
+  [within(2300), q('RightHandAcross', '<', '-0.25'), q('RightHandRise', '>', '0.0'), q('LeftHandRise', '<', '-0.1'), q('RightHandNearHead', '<', '1.3'), q('TorsoUpright', '>', '0.95')],
+  [within(2750), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.11'), q('RightHandRise', '<', '-0.15'), q('HandsGap', '<', '2.48')])
 # Beating is told from arms raised and held, from hands held at the head or
 # the eyes and from a shot by the hands still moving after half a second up,
 # kept apart, with the elbows bent on the whole. Some people beat for barely
