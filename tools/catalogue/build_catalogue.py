@@ -356,7 +356,7 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G('Side'+s+'Kick', 'the %s foot is chambered beside the hip, more out than forward, then driven up high, the other foot staying down' % s.lower(),
       [q(s+'FootUp', '<', '-1.92')],
       [q(s+'FootRise', '>', '0.1'), q(s+'FootOut', '>', '0.83'), q(s+'FootSideways', '>', '0.8'), q(o+'FootRise', '<', '0.2')],
-      [within(800), q(s+'FootUp', '>', '-2.3', True), q(s+'FootUp', '>', '-1.72'), q(s+'FootRise', '>', '0.35'), q(o+'FootRise', '<', '0.2')])
+      [within(800), q(s+'FootUp', '>', '-2.3', True), q(s+'FootUp', '>', '-1.85'), q(s+'FootRise', '>', '0.35'), q(o+'FootRise', '<', '0.2')])
 G('Jump', 'the waist and both feet rise together above their anchors, then the body lands',
   [q('WaistRise', '<', '0.05')],
   begun('WaistRise', '>', '0.1'),
