@@ -165,10 +165,15 @@ HEIGHTS = (('Waist', '@P_Waist'), ('RightFoot', '@P_RightFoot'), ('LeftFoot', '@
 # (standing, the vertical: a lean or a bounce of the torso does not tilt it),
 # from an anchor that follows each joint slowly, so a jump stands out.
 val('vector3', 'UpReference'); val('vector3', 'Drift')
+# ShoulderTurn is how far the shoulder line has turned from a slow average of
+# it (followed at 3% a frame), 0 square, 1 at a right angle: a side kick
+# pivots the body round on the standing foot, a front kick keeps it square.
+val('vector3', 'ShoulderLineSteady'); val('float', 'ShoulderTurn')
 for n, joint in HEIGHTS:
     val('vector3', n+'Anchor'); val('float', n+'Rise')
 frame_funcs = list(funcs); funcs.clear()
 fn('MUL', '@UpReference', '@UpDir', '1.0')
+fn('MUL', '@ShoulderLineSteady', '@RightDir', '1.0')
 for n, joint in HEIGHTS:
     fn('MUL', '@'+n+'Anchor', joint, '1.0')
 for s in ('Right', 'Left'):
@@ -176,6 +181,8 @@ for s in ('Right', 'Left'):
     fn('MUL', '@'+s+'HandTrail', '@P_'+s+'Hand', '1.0')
 start_funcs = list(funcs); funcs.clear()
 follow('UpReference', 'UpDir', 'Drift', '0.01'); fn('NORMALIZE', '@UpReference', '@UpReference')
+follow('ShoulderLineSteady', 'RightDir', 'Drift', '0.03'); fn('NORMALIZE', '@ShoulderLineSteady', '@ShoulderLineSteady')
+fn('DOT', '@ShoulderTurn', '@RightDir', '@ShoulderLineSteady'); fn('MUL', '@ShoulderTurn', '@ShoulderTurn', '-1.0'); fn('ADD', '@ShoulderTurn', '@ShoulderTurn', '1.0')
 for n, joint in HEIGHTS:
     fn('SUB', '@Drift', joint, '@'+n+'Anchor')
     fn('DOT', '@'+n+'Rise', '@Drift', '@UpReference')
@@ -338,12 +345,13 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
 # again only once the foot is back on the floor: a foot drawn back from one
 # kick, still raised, would otherwise count as a second kick. The body stays
 # up while the foot is raised: the hips dropping toward a crouch, a lunge or
-# a bowler's step raise the foot against them too.
+# a bowler's step raise the foot against them too. The shoulders stay square
+# while the foot is raised, where a side kick pivots them round.
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G('Front'+s+'Kick', 'the %s foot leaves the floor and snaps forward, staying in front of its hip, the other foot staying down, and comes back down' % s.lower(),
       [q(s+'FootUp', '<', '-1.6'), q(s+'FootRise', '<', '0.2')],
       begun(s+'FootUp', '>', '-1.5'),
-      [within(1150), q(s+'FootAsideSteady', '<', '0.7', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2'), q('WaistRise', '>', '-0.3')],
+      [within(1150), q(s+'FootAsideSteady', '<', '0.7', True), q('ShoulderTurn', '<', '0.3', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2'), q('WaistRise', '>', '-0.3')],
       [within(1000), q(s+'FootAsideSteady', '<', '1.7', True), q(s+'FootUp', '<', '-1.4')])
 # A side kick is told by its chamber: the knee comes up with the foot beside
 # the hip, well more out than forward, before the leg extends. Where the
