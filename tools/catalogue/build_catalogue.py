@@ -378,9 +378,12 @@ G('Duck', 'from standing, the knees bend, the torso upright, until the hips drop
   [within(2750), q('CrouchStretch', '<', '0.74'), q('TorsoUpright', '>', '0.8'), q('RightFootRise', '<', '0.05'), q('LeftFootRise', '<', '0.05')],
   [q('CrouchStretch', '<', '0.85', True), held(350)])
 # Bowling a ball bends the torso over too, but lunges: the legs bend while
-# the torso comes back up, where a bow keeps them straight.
-G('Bow', 'with straight legs the torso bends forward over the hips, the chest turning down and the hands kept off the floor, and comes back up, the legs staying straight',
-  [q('TorsoThigh', '<', '-0.425')],
+# the torso comes back up, where a bow keeps them straight. A bow starts
+# standing on straight legs: a person getting up from a chair leans the
+# torso forward over the thighs as the knees straighten, as does one
+# rising from a duck, which would otherwise count as bending over.
+G('Bow', 'standing on straight legs, the torso bends forward over the hips, the chest turning down and the hands kept off the floor, and comes back up, the legs staying straight',
+  [q('TorsoThigh', '<', '-0.425'), q('LegStretch', '>', '0.9')],
   begun('TorsoThigh', '>', '-0.93'),
   [within(1000), q('TorsoThigh', '>', '-0.86'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85'), q('TorsoFacingUp', '<', '-0.35'), q('LowerHandHeight', '>', '0.5', True), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
   [within(4275), q('LowerHandHeight', '>', '0.5', True), q('LegStretch', '>', '0.9', True), q('TorsoThigh', '<', '-0.95'), q('RightFootRise', '<', '0.0'), q('LeftFootRise', '<', '0.0')])
