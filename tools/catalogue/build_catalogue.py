@@ -224,6 +224,18 @@ for s in ('Right', 'Left'):
 val('float', 'HandsSwinging'); val('float', 'HandsSwing')
 fn('ADD', '@HandsSwing', '@RightHandSwing', '@LeftHandSwing')
 follow('HandsSwinging', 'HandsSwing', 'HandsSwing', '0.1')
+# HandSwingAcross follows, at 10% a frame, how much faster the hand moves
+# along the shoulder line than 0.7 times its speed forward-back and up-down
+# together, in arm lengths per second: a wave swings the hand side to side,
+# where a knock strikes forward and back and a drawn X's strokes come down as
+# far as they go across.
+for s in ('Right', 'Left'):
+    sa = s+'HandSwingAcross'; ex = s+'HandAcrossExcess'; other = s+'HandOtherSpeed'
+    val('float', ex); val('float', other); val('float', sa)
+    fn('DOT', '@'+ex, '@V_'+s+'Hand', '@RightDir'); fn('DIV', '@'+ex, '@'+ex, '@'+s+'ArmLength'); fn('MUL', '@'+ex, '@'+ex, '1000.0'); fn('ABS', '@'+ex, '@'+ex)
+    fn('ABS', '@'+other, '@'+s+'HandPush'); fn('MUL', '@'+other, '@'+other, '0.7'); fn('SUB', '@'+ex, '@'+ex, '@'+other)
+    fn('ABS', '@'+other, '@'+s+'HandLift'); fn('MUL', '@'+other, '@'+other, '0.7'); fn('SUB', '@'+ex, '@'+ex, '@'+other)
+    follow(sa, ex, other, '0.1')
 # HandRiseLately holds a hand's highest rise of about the last second: it
 # sinks by 0.02 a frame and jumps back up with the hand. A tennis serve tosses
 # with the left hand, a basketball shot lifts both hands, and both are over
@@ -295,7 +307,7 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
       [within(3000), q(s+'ForearmRise', '>', '0.2'), q(s+'ForearmOut', '<', '-0.1'), q(o+'HandRise', '<', '-0.3')],
       [within(800)] + up('0.1') + [q(s+'ForearmOut', '>', '0.0')],
       [within(800)] + up('0.2') + [q(s+'ForearmOut', '<', '-0.1')],
-      [within(800)] + up('0.0') + [q(s+'ForearmOut', '>', '0.1')])
+      [within(800)] + up('0.0') + [q(s+'ForearmOut', '>', '0.1'), q(s+'HandSwingAcross', '>', '0.0')])
 chest = lambda s: [q(s+'HandRise', '>', '-0.7'), q(s+'HandRise', '<', '0.25')]
 # A swipe is one stroke: the right hand comes up from low on one side, sweeps
 # across and drops again, the left hand staying down. Drawing in the air
