@@ -394,11 +394,15 @@ G('Duck', 'from standing, the knees bend, the torso upright, until the hips drop
 # standing on straight legs: a person getting up from a chair leans the
 # torso forward over the thighs as the knees straighten, as does one
 # rising from a duck, which would otherwise count as bending over.
+# Tracking that flickers between bent and upright would finish a bow at
+# every flicker; a real bow stays bent a moment before it comes back up,
+# so the torso must stay off upright for a while after the bend.
 G('Bow', 'standing on straight legs, the torso bends forward over the hips, the chest turning down and the hands kept off the floor, and comes back up, the legs staying straight',
   [q('TorsoThigh', '<', '-0.425'), q('LegStretch', '>', '0.9')],
   begun('TorsoThigh', '>', '-0.93'),
   [within(1000), q('TorsoThigh', '>', '-0.86'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85'), q('TorsoFacingUp', '<', '-0.35'), q('LowerHandHeight', '>', '0.5', True), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
-  [within(4275), q('LowerHandHeight', '>', '0.5', True), q('LegStretch', '>', '0.9', True), q('TorsoThigh', '<', '-0.95'), q('RightFootRise', '<', '0.0'), q('LeftFootRise', '<', '0.0')])
+  [q('TorsoThigh', '>', '-0.95', True), held(150)],
+  [within(4125), q('LowerHandHeight', '>', '0.5', True), q('LegStretch', '>', '0.9', True), q('TorsoThigh', '<', '-0.95'), q('RightFootRise', '<', '0.0'), q('LeftFootRise', '<', '0.0')])
 tpose = [q('RightHandOut', '>', '0.8'), q('LeftHandOut', '>', '0.8'), q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.3'),
          q('LeftHandRise', '>', '-0.3'), q('LeftHandRise', '<', '0.3'), q('RightArmStraight', '>', '0.85'), q('LeftArmStraight', '>', '0.85')]
 G('TPose', 'both arms held straight out sideways at shoulder height for a second',
