@@ -400,7 +400,7 @@ G('Duck', 'from standing, the knees bend, the torso upright, until the hips drop
 G('Bow', 'standing on straight legs, the torso bends forward over the hips, the chest turning down and the hands kept off the floor, and comes back up, the legs staying straight',
   [q('TorsoThigh', '<', '-0.425'), q('LegStretch', '>', '0.9')],
   begun('TorsoThigh', '>', '-0.93'),
-  [within(1000), q('TorsoThigh', '>', '-0.86'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85'), q('TorsoFacingUp', '<', '-0.35'), q('LowerHandHeight', '>', '0.5', True), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
+  [within(1000), q('TorsoThigh', '>', '-0.86'), q('LegStretch', '>', '0.9'), q('TorsoUpright', '<', '0.85'), q('TorsoFacingUp', '<', '-0.4'), q('LowerHandHeight', '>', '0.5', True), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
   [q('TorsoThigh', '>', '-0.95', True), held(150)],
   [within(4125), q('LowerHandHeight', '>', '0.5', True), q('LegStretch', '>', '0.9', True), q('TorsoThigh', '<', '-0.95'), q('RightFootRise', '<', '0.0'), q('LeftFootRise', '<', '0.0')])
 tpose = [q('RightHandOut', '>', '0.8'), q('LeftHandOut', '>', '0.8'), q('RightHandRise', '>', '-0.3'), q('RightHandRise', '<', '0.3'),
