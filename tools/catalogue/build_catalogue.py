@@ -290,8 +290,11 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
       R(hand_up) + [held(700)])
 # Arms raised forward stay about a shoulder width apart, where aiming a
 # shot holds the hands together.
+# The hands swing up well clear of the head, but once up some people draw
+# them in over it as they hold them: held, a hand may come to 0.85 shoulder
+# widths of the head, still clear of hands held on it (within 0.8).
 straight_up = [q('RightHandRise', '>', '0.4', True), q('LeftHandRise', '>', '0.4', True), q('RightArmStraight', '>', '0.9', True), q('LeftArmStraight', '>', '0.9', True),
-               q('RightHandNearHead', '>', '0.96', True), q('LeftHandNearHead', '>', '0.96', True), q('HandsGap', '>', '0.6', True)]
+               q('RightHandNearHead', '>', '0.85', True), q('LeftHandNearHead', '>', '0.85', True), q('HandsGap', '>', '0.6', True)]
 G('RaiseBothArms', 'both arms swing up straight, sideways or forward, until both hands are above the shoulders, arms straight, apart and away from the head, and stay there a moment',
   [q('RightHandRise', '<', '-0.1'), q('LeftHandRise', '<', '-0.1')],
   [within(2000), q('RightHandRise', '>', '-0.3'), q('LeftHandRise', '>', '-0.3'), q('RightArmStraight', '>', '0.9'), q('LeftArmStraight', '>', '0.9')],
