@@ -105,6 +105,11 @@ def sidefeat(s, sign):
     proj(s+'HandRise', hfs, 'UpDir', seg)
     fa = s+'Forearm'; val('vector3', fa); fn('SUB', '@'+fa, '@P_'+s+'Hand', '@P_'+s+'Elbow')
     proj(s+'ForearmRise', fa, 'UpDir', seg)
+    # how far the elbow is above its shoulder, in arm lengths: hands put on
+    # the head lift the elbows out to shoulder height or above, goggles held
+    # before the eyes keep them low in front of the chest
+    ua = s+'UpperArm'; val('vector3', ua); fn('SUB', '@'+ua, '@P_'+s+'Elbow', '@P_'+s+'Shoulder')
+    proj(s+'ElbowRise', ua, 'UpDir', seg)
     proj(s+'ForearmOut', fa, 'RightDir', seg, True)
     # how far the hand is ahead of its elbow: a throw is cocked with the
     # forearm raised and the hand back over or behind the elbow, however
@@ -112,6 +117,12 @@ def sidefeat(s, sign):
     proj(s+'ForearmReach', fa, 'ForwardDir', seg)
     hh = s+'HandFromHead'; val('vector3', hh); fn('SUB', '@'+hh, '@P_'+s+'Hand', '@P_Head')
     proj(s+'HandAboveHead', hh, 'UpDir', 'TorsoLength')
+    # how high the hand rests on the head, its height above the head joint
+    # plus twice the elbow's rise: some people's hands on the head are
+    # tracked at or just under the head joint, and then only the raised
+    # elbows tell them from goggles held before the eyes
+    oh = s+'HandOnHead'; val('float', oh)
+    fn('MUL', '@'+oh, '@'+s+'ElbowRise', '2.0'); fn('ADD', '@'+oh, '@'+oh, '@'+s+'HandAboveHead')
     # how far the hand is in front of the face, in shoulder widths: goggles
     # are held before the eyes, hands put on the head rest over or behind it
     proj(s+'HandBeforeHead', hh, 'ForwardDir', 'ShoulderWidth')
@@ -482,12 +493,15 @@ G('Throw', 'the right forearm, cocked up with the hand back over the elbow, is t
   [within(600), q('RightShoulderPush', '>', '0.8'), q('RightHandPush', '>', '2.0'), q('LeftHandRiseLately', '<', '0.0')],
   [within(400), q('RightHandReach', '>', '0.7')])
 # Had-enough rests the hands on top of the head, not held before the face
-# as goggles are.
-G('HadEnough', 'both hands come up from low to the top of the head, as if in despair, and rest there a moment',
+# as goggles are. Some people's hands on the head are tracked at or just
+# under the head joint; raised elbows still tell them from goggles, which
+# keep the elbows low in front of the chest. The hands rest near each other,
+# where a beat may start with them held apart by the head.
+G('HadEnough', 'both hands come up from low to the top of the head, the elbows raised, as if in despair, and rest there a moment',
   [q('RightHandRise', '<', '-0.4'), q('LeftHandRise', '<', '-0.4')],
-  [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandAboveHead', '>', '0.0'), q('LeftHandAboveHead', '>', '0.0'),
-   q('RightHandBeforeHead', '<', '0.4'), q('LeftHandBeforeHead', '<', '0.4')],
-  [q('RightHandNearHead', '<', '0.8', True), q('LeftHandNearHead', '<', '0.8', True), q('RightHandAboveHead', '>', '-0.1', True), q('LeftHandAboveHead', '>', '-0.1', True), held(200)])
+  [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandOnHead', '>', '0.1'), q('LeftHandOnHead', '>', '0.1'),
+   q('RightHandAboveHead', '>', '-0.2'), q('LeftHandAboveHead', '>', '-0.2'), q('RightHandBeforeHead', '<', '0.4'), q('LeftHandBeforeHead', '<', '0.4'), q('HandsGap', '<', '0.8')],
+  [q('RightHandNearHead', '<', '0.9', True), q('LeftHandNearHead', '<', '0.9', True), q('RightHandAboveHead', '>', '-0.2', True), q('LeftHandAboveHead', '>', '-0.2', True), held(200)])
 G('WindItUp', 'both hands come up in front of the chest, then swing out wide to the sides and down, as if winding up',
   [q('RightHandRise', '<', '-0.125'), q('LeftHandRise', '<', '-0.125')],
   begun('RightHandRise', '>', '-0.3'),
