@@ -155,6 +155,12 @@ def lesser(target, a, b, gap):
     """target = the lesser of a and b, (a + b - |a - b|) / 2; gap is scratch."""
     fn('SUB', '@'+gap, '@'+a, '@'+b); fn('ABS', '@'+gap, '@'+gap)
     fn('ADD', '@'+target, '@'+a, '@'+b); fn('SUB', '@'+target, '@'+target, '@'+gap); fn('MUL', '@'+target, '@'+target, '0.5')
+def sinking_peak(target, source, sink, gap):
+    """target = the greater of source and target lowered by sink; gap is scratch."""
+    fn('SUB', '@'+target, '@'+target, sink)
+    fn('SUB', '@'+gap, '@'+source, '@'+target); fn('ABS', '@'+gap, '@'+gap)
+    fn('ADD', '@'+target, '@'+target, '@'+source); fn('ADD', '@'+target, '@'+target, '@'+gap)
+    fn('MUL', '@'+target, '@'+target, '0.5')
 val('float','LowerHandRise'); val('float','HandsRiseGap')
 lesser('LowerHandRise', 'RightHandRise', 'LeftHandRise', 'HandsRiseGap')
 # CrouchStretch is the legs' stretch lowered by up to 0.2 as the lower hand
@@ -184,12 +190,15 @@ for n, joint in HEIGHTS:
     val('vector3', n+'Anchor'); val('float', n+'Rise')
 frame_funcs = list(funcs); funcs.clear()
 fn('MUL', '@UpReference', '@UpDir', '1.0')
+# the first frame's torso is upright by definition: it is the vertical
+fn('DOT', '@TorsoUprightLately', '@UpReference', '@UpDir')
 fn('MUL', '@ShoulderLineSteady', '@RightDir', '1.0')
 for n, joint in HEIGHTS:
     fn('MUL', '@'+n+'Anchor', joint, '1.0')
 for s in ('Right', 'Left'):
     fn('MUL', '@'+s+'HandRiseLately', '@'+s+'HandRise', '1.0')
     fn('MUL', '@'+s+'HandTrail', '@P_'+s+'Hand', '1.0')
+fn('MUL', '@RightHandRiseOfLate', '@RightHandRise', '1.0')
 start_funcs = list(funcs); funcs.clear()
 follow('UpReference', 'UpDir', 'Drift', '0.01'); fn('NORMALIZE', '@UpReference', '@UpReference')
 follow('ShoulderLineSteady', 'RightDir', 'Drift', '0.03'); fn('NORMALIZE', '@ShoulderLineSteady', '@ShoulderLineSteady')
@@ -255,12 +264,25 @@ for s in ('Right', 'Left'):
 # and the guard hand has not just tossed a ball up for a serve.
 val('float', 'RiseAboveLately')
 for s in ('Right', 'Left'):
-    hrl = s+'HandRiseLately'; val('float', hrl)
-    fn('SUB', '@'+hrl, '@'+hrl, '0.02')
-    fn('SUB', '@RiseAboveLately', '@'+s+'HandRise', '@'+hrl); fn('ABS', '@RiseAboveLately', '@RiseAboveLately')
-    fn('ADD', '@'+hrl, '@'+hrl, '@'+s+'HandRise'); fn('ADD', '@'+hrl, '@'+hrl, '@RiseAboveLately')
-    fn('MUL', '@'+hrl, '@'+hrl, '0.5')
+    val('float', s+'HandRiseLately')
+    sinking_peak(s+'HandRiseLately', s+'HandRise', '0.02', 'RiseAboveLately')
+# RightHandRiseOfLate holds the right hand's highest rise of the last two
+# seconds or so, sinking by 0.01 a frame, half as fast as HandRiseLately:
+# drawing a triangle or a circle in the air, a throw and a reach over the
+# shoulder sweep the hand out low to the right a second or so after it was
+# up at the shoulder or above, where a push to the right comes from a hand
+# kept low.
+val('float', 'RightHandRiseOfLate')
+sinking_peak('RightHandRiseOfLate', 'RightHandRise', '0.01', 'RiseAboveLately')
 val('float', 'TorsoUpright'); fn('DOT', '@TorsoUpright', '@UpDir', '@UpReference')
+# TorsoUprightLately holds the torso's lowest uprightness of the last few
+# seconds: it drops at once with the torso and climbs back by only 0.002 a
+# frame, so a bow leaves it low for seconds. Some people sweep an arm out to
+# the side as they come up from a bow, as a courtier does, which a push to
+# the right, made standing upright, must not be taken for.
+val('float', 'TorsoUprightLately'); val('float', 'TorsoUprightGap')
+fn('ADD', '@TorsoUprightLately', '@TorsoUprightLately', '0.002')
+lesser('TorsoUprightLately', 'TorsoUprightLately', 'TorsoUpright', 'TorsoUprightGap')
 # How far the chest faces up: negative when the torso bends forward over the
 # hips, positive when it leans back, as in a kick.
 val('float', 'TorsoFacingUp'); fn('DOT', '@TorsoFacingUp', '@ForwardDir', '@UpReference')
@@ -345,16 +367,19 @@ swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back a
       [within(900), q('RightHandAcross', '>', '1.3'), q('RightHandRise', '>', '-0.125')],
       [within(770), q('RightHandAcross', '>', '0.3', True)])
 # A push to the right sweeps the hand from in front of the body, across it or
-# beside the thigh out to the side, straight out or half forward, below the shoulder, and
-# holds it there a moment with the left hand still in; it does not go up in
-# front as a swipe, a drawing in the air or a back fist does. A throw's backswing
-# or a wind-up passes the same place with the hand rising or just come down
-# from high, a duck's balancing arm goes straight forward from the side, and
-# a wind-up takes the left hand out too.
+# beside the thigh out to the side, straight out or half forward, below the
+# shoulder, and holds it there a moment with the left hand still in; it does
+# not go up in front as a swipe or a back fist does. Some people push low and
+# more forward than out, so the hand need not go far out; what tells the
+# look-alikes is how it got there. A drawing in the air, a throw's backswing
+# or a reach over the shoulder passes the same place soon after the hand was
+# up, a courtier's arm sweeps out as the torso comes up from a bow, a duck's
+# balancing arm goes out on bent legs, a cocked throw holds the hand behind
+# the shoulder, and a wind-up takes the left hand out too.
 G('PushRight', "the right hand, from in front of the body or beside it, sweeps out to the person's right, straight out or half forward, arm straight, the left hand staying in, and stays out a moment",
   [q('RightHandOut', '<', '0.1')],
   [q('RightHandRise', '>', '-0.85', True), q('RightHandOutward', '>', '0.35')],
-  [within(2050), q('RightHandOutward', '>', '0.75'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.6'), q('RightHandRise', '<', '0.25'), q('RightHandRiseLately', '<', '0.15'), q('RightHandAheadHigh', '<', '0.3'),
+  [within(2050), q('RightHandOutward', '>', '0.65'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.65'), q('LegStretch', '>', '0.9'), q('RightHandReach', '>', '0.0'), q('TorsoUprightLately', '>', '0.9'), q('RightHandRise', '<', '0.25'), q('RightHandRiseOfLate', '<', '0.12'), q('RightHandAheadHigh', '<', '0.3'),
    q('LeftHandOut', '<', '0.31'), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
   [q('RightHandOutward', '>', '0.65', True), q('RightHandRise', '<', '0.3', True), q('LeftHandOut', '<', '0.45', True), held(125)])
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
