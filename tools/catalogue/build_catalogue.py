@@ -521,12 +521,15 @@ G('Throw', 'the right forearm, cocked up with the hand back over the elbow, is t
 # as goggles are. Some people's hands on the head are tracked at or just
 # under the head joint; raised elbows still tell them from goggles, which
 # keep the elbows low in front of the chest. The hands rest near each other,
-# where a beat may start with them held apart by the head.
+# where a beat may start with them held apart by the head. They need only
+# still be there a moment later, not at every frame in between: a hand on
+# the head is tracked astray for a frame now and then, which would otherwise
+# cancel the move until the hands come down again.
 G('HadEnough', 'both hands come up from low to the top of the head, the elbows raised, as if in despair, and rest there a moment',
   [q('RightHandRise', '<', '-0.4'), q('LeftHandRise', '<', '-0.4')],
   [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandOnHead', '>', '0.1'), q('LeftHandOnHead', '>', '0.1'),
    q('RightHandAboveHead', '>', '-0.2'), q('LeftHandAboveHead', '>', '-0.2'), q('RightHandBeforeHead', '<', '0.4'), q('LeftHandBeforeHead', '<', '0.4'), q('HandsGap', '<', '0.8')],
-  [q('RightHandNearHead', '<', '0.9', True), q('LeftHandNearHead', '<', '0.9', True), q('RightHandAboveHead', '>', '-0.2', True), q('LeftHandAboveHead', '>', '-0.2', True), held(200)])
+  [within(1000), q('RightHandNearHead', '<', '0.9'), q('LeftHandNearHead', '<', '0.9'), q('RightHandAboveHead', '>', '-0.2'), q('LeftHandAboveHead', '>', '-0.2'), held(200)])
 G('WindItUp', 'both hands come up in front of the chest, then swing out wide to the sides and down, as if winding up',
   [q('RightHandRise', '<', '-0.125'), q('LeftHandRise', '<', '-0.125')],
   begun('RightHandRise', '>', '-0.3'),
