@@ -545,10 +545,10 @@ G('WindItUp', 'both hands come up in front of the chest, then swing out wide to 
 # who keep aiming with the left hand during the reach would otherwise finish
 # at the reach itself, long before the hands come forward again.
 G('ChangeWeapon', 'the right hand reaches up over the left shoulder, standing upright, then comes down and both hands come forward together at the waist',
-  [q('RightHandAcross', '>', '0.2'), q('RightHandRise', '<', '-0.33')],
+  [q('RightHandAcross', '>', '0.1'), q('RightHandRise', '<', '-0.48')],
   begun('RightHandRise', '>', '-0.2'),
-  [within(2300), q('RightHandAcross', '<', '-0.25'), q('RightHandRise', '>', '0.0'), q('LeftHandRise', '<', '-0.1'), q('RightHandNearHead', '<', '1.3'), q('TorsoUpright', '>', '0.95')],
-  [within(2750), q('RightHandReach', '>', '0.35'), q('LeftHandReach', '>', '0.11'), q('RightHandRise', '<', '-0.15'), q('HandsGap', '<', '2.48')])
+  [within(2300), q('RightHandAcross', '<', '-0.27'), q('RightHandRise', '>', '0.0'), q('LeftHandRise', '<', '-0.1'), q('RightHandNearHead', '<', '1.3'), q('TorsoUpright', '>', '0.97')],
+  [within(2750), q('RightHandReach', '>', '0.2'), q('LeftHandReach', '>', '0.11'), q('RightHandRise', '<', '-0.15'), q('HandsGap', '<', '2.48')])
 # Beating is told from arms raised and held, from hands held at the head or
 # the eyes and from a shot by the hands still moving after half a second up,
 # kept apart, with the elbows bent on the whole. Some people beat for barely
