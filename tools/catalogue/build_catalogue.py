@@ -492,11 +492,16 @@ G('PushBothHands', 'standing, both hands, raised in front of the chest, push for
    q('RightHandRise', '>', '-0.15'), q('RightHandRise', '<', '0.25'), q('LeftHandRise', '>', '-0.15'), q('LeftHandRise', '<', '0.25')])
 # The recoil is the hands moving up: people who shoot again without
 # lowering them bring them down through the same heights onto the aim.
-G('Shoot', 'both hands, together, are raised from low and pointed straight forward at chest height, then kick up with the recoil',
+# The hands stop at the aim, rising at most half an arm length a second:
+# hands swept up from low in one movement pass through the aim on their way
+# above the shoulders, where a shot halts before the recoil. Told apart so,
+# the recoil need take the hands only a little above the shoulders, as some
+# people's kick is small.
+G('Shoot', 'both hands, together, are raised from low and pointed straight forward at chest height, stopping there, then kick up with the recoil',
   [q('RightHandReach', '<', '0.86'), q('LeftHandReach', '<', '0.86')],
   begun('RightHandReach', '>', '0.88'),
-  [within(1500), q('RightHandReach', '>', '0.8'), q('LeftHandReach', '>', '0.8'), q('HandsGap', '<', '0.4')] + chest('Right') + chest('Left'),
-  [within(2600), q('RightHandRise', '>', '0.15'), q('LeftHandRise', '>', '0.15'), q('HandsGap', '<', '0.3'), q('RightHandLift', '>', '0.2')])
+  [within(1500), q('RightHandReach', '>', '0.8'), q('LeftHandReach', '>', '0.8'), q('HandsGap', '<', '0.4'), q('RightHandLift', '<', '0.5')] + chest('Right') + chest('Left'),
+  [within(2600), q('RightHandRise', '>', '0.05'), q('LeftHandRise', '>', '0.05'), q('HandsGap', '<', '0.3'), q('RightHandLift', '>', '0.2')])
 # Goggles are held before the eyes: the hands come up in front of the face,
 # apart, and stay below the height at which had-enough rests them on top of
 # the head. The height is read from the shoulders, as the head is tracked
