@@ -532,9 +532,9 @@ G('Throw', 'the right forearm, cocked up with the hand back over the elbow, is t
 # cancel the move until the hands come down again.
 G('HadEnough', 'both hands come up from low to the top of the head, the elbows raised, as if in despair, and rest there a moment',
   [q('RightHandRise', '<', '-0.4'), q('LeftHandRise', '<', '-0.4')],
-  [within(6000), q('RightHandNearHead', '<', '0.55'), q('LeftHandNearHead', '<', '0.55'), q('RightHandOnHead', '>', '0.1'), q('LeftHandOnHead', '>', '0.1'),
+  [within(6000), q('RightHandNearHead', '<', '0.7'), q('LeftHandNearHead', '<', '0.7'), q('RightHandOnHead', '>', '0.1'), q('LeftHandOnHead', '>', '0.1'),
    q('RightHandAboveHead', '>', '-0.2'), q('LeftHandAboveHead', '>', '-0.2'), q('RightHandBeforeHead', '<', '0.4'), q('LeftHandBeforeHead', '<', '0.4'), q('HandsGap', '<', '0.8')],
-  [within(1000), q('RightHandNearHead', '<', '0.9'), q('LeftHandNearHead', '<', '0.9'), q('RightHandAboveHead', '>', '-0.2'), q('LeftHandAboveHead', '>', '-0.2'), held(200)])
+  [within(1000), q('RightHandNearHead', '<', '0.9'), q('LeftHandNearHead', '<', '0.9'), q('RightHandAboveHead', '>', '-0.2'), q('LeftHandAboveHead', '>', '-0.2'), held(500)])
 G('WindItUp', 'both hands come up in front of the chest, then swing out wide to the sides and down, as if winding up',
   [q('RightHandRise', '<', '-0.125'), q('LeftHandRise', '<', '-0.125')],
   begun('RightHandRise', '>', '-0.3'),
