@@ -559,13 +559,16 @@ G('ChangeWeapon', 'the right hand reaches up over the left shoulder, standing up
 # kept apart, with the elbows bent on the whole. Some people beat for barely
 # a second, so the beat is not timed by how long the hands stay up. Arms
 # lifted over the head hold both hands higher than a beat takes them.
+# A beat swings, keeps the hands apart and bends the elbows soon after the
+# hands are up; arms raised and held shake enough to read as swinging for a
+# long while and bend only on the way down, so that must come within 2 s.
 beat_up = [q('LowerHandRise', '>', '-0.1', True), q('LowerHandRise', '<', '0.85', True), q('HandsFromHead', '>', '0.68', True)]
 G('BeatBoth', 'both hands, raised to the height of the head but kept away from it and apart, keep beating with the elbows bent, then come down',
   [q('RightHandRise', '<', '-0.69'), q('LeftHandRise', '<', '-0.69')],
   begun('LowerHandRise', '>', '-0.5'),
   [within(1500), q('LowerHandRise', '>', '0.2')],
   beat_up + [held(500)],
-  beat_up + [q('HandsSwinging', '>', '0.3', True), held(500), q('HandsApart', '>', '1.2'), q('ArmsStraightness', '<', '0.9')],
+  beat_up + [q('HandsSwinging', '>', '0.3', True), held(500), q('HandsApart', '>', '1.2'), q('ArmsStraightness', '<', '0.9'), within(2000)],
   [within(4800), q('RightHandRise', '<', '-0.07'), q('LeftHandRise', '<', '-0.07')])
 
 def attr(v): return v.replace('&', '&amp;').replace('<', '&lt;').replace('"', '&quot;')
