@@ -75,6 +75,11 @@ def sidefeat(s, sign):
     fn('ADD', '@'+seg, '@'+seg, '@'+st)
     fn('DISTANCE', '@'+st, '@P_'+s+'Shoulder', '@P_'+s+'Hand')
     fn('DIV', '@'+st, '@'+st, '@'+seg)
+    # how far the arm falls short of straight, 0 when straight: a punch's
+    # limit lies within a few hundredths of straight, where the shortfall
+    # reads it at its own scale
+    ab = s+'ArmBend'; val('float', ab)
+    fn('MUL', '@'+ab, '@'+st, '-1.0'); fn('ADD', '@'+ab, '@'+ab, '1.0')
     # where the hand is, in arm lengths from its shoulder
     proj(s+'HandReach', hfs, 'ForwardDir', seg)
     # how fast the hand moves, in arm lengths per second
@@ -382,11 +387,19 @@ G('PushRight', "the right hand, from in front of the body or beside it, sweeps o
   [within(2050), q('RightHandOutward', '>', '0.65'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.65'), q('LegStretch', '>', '0.9'), q('RightHandReach', '>', '0.0'), q('TorsoUprightLately', '>', '0.9'), q('RightHandRise', '<', '0.25'), q('RightHandRiseOfLate', '<', '0.12'), q('RightHandAheadHigh', '<', '0.3'),
    q('LeftHandOut', '<', '0.31'), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
   [q('RightHandOutward', '>', '0.65', True), q('RightHandRise', '<', '0.3', True), q('LeftHandOut', '<', '0.45', True), held(125)])
+# A punch leaves from the guard, the fist near the head, where a tennis swing
+# or a back fist comes from out at the side. Some fighters never lock the
+# elbow, stopping a few hundredths short of straight, about as straight as a
+# basketball shot goes; the shot and arms folded take the hand across the
+# body, where a punch drives it ahead of its own shoulder, and a kick's
+# balancing arm flung out to the side is no guard.
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G(s+'Punch', 'the %s fist, above the elbow, is thrown fast and straight forward from the guard to shoulder height while the %s hand keeps its guard near the chin' % (s.lower(), o.lower()),
       [q(s+'HandReach', '<', '0.7')],
-      [q(s+'HandReach', '>', '0.4'), q(s+'HandReach', '<', '0.8', True), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.4'), q(s+'HandLift', '>', '-0.75'), q(s+'HandRiseLately', '<', '0.44'), q(o+'HandRiseLately', '<', '0.4')],
-      [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmStraight', '>', '0.97'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.7'), q(o+'HandRise', '<', '0.45'), q(o+'HandReach', '<', '0.6'), q('HandsGap', '>', '1.33')])
+      [q(s+'HandReach', '>', '0.4'), q(s+'HandReach', '<', '0.8', True), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.4'), q(s+'HandLift', '>', '-0.75'), q(s+'HandRiseLately', '<', '0.44'), q(o+'HandRiseLately', '<', '0.4'),
+       q(s+'HandNearHead', '<', '2.1')],
+      [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmBend', '<', '0.05'), q(s+'HandOut', '>', '-0.2'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.7'), q(o+'HandRise', '<', '0.45'), q(o+'HandReach', '<', '0.6'), q(o+'HandOut', '<', '0.5'),
+       q('HandsGap', '>', '1.33')])
 # A front kick drives the foot more forward than out, a side kick more out
 # than forward. A front kick's foot stays in front of its hip, from the lift
 # until it is down again: a foot that strays well to either side is a side
