@@ -398,7 +398,7 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
       [q(s+'HandReach', '<', '0.7')],
       [q(s+'HandReach', '>', '0.4'), q(s+'HandReach', '<', '0.8', True), q(s+'ForearmRise', '>', '0.2'), q(s+'HandPush', '>', '2.4'), q(s+'HandLift', '>', '-0.75'), q(s+'HandRiseLately', '<', '0.44'), q(o+'HandRiseLately', '<', '0.4'),
        q(s+'HandNearHead', '<', '2.1')],
-      [within(400), q(s+'HandReach', '>', '0.675'), q(s+'ArmBend', '<', '0.05'), q(s+'HandOut', '>', '-0.2'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.7'), q(o+'HandRise', '<', '0.45'), q(o+'HandReach', '<', '0.6'), q(o+'HandOut', '<', '0.5'),
+      [within(350), q(s+'HandReach', '>', '0.675'), q(s+'ArmBend', '<', '0.05'), q(s+'HandOut', '>', '-0.2'), q(s+'HandRise', '>', '-0.3'), q(o+'HandRise', '>', '-0.7'), q(o+'HandRise', '<', '0.45'), q(o+'HandReach', '<', '0.6'), q(o+'HandOut', '<', '0.5'),
        q('HandsGap', '>', '1.33')])
 # A front kick drives the foot more forward than out, a side kick more out
 # than forward. A front kick's foot stays in front of its hip, from the lift
