@@ -203,6 +203,7 @@ for n, joint in HEIGHTS:
 for s in ('Right', 'Left'):
     fn('MUL', '@'+s+'HandRiseLately', '@'+s+'HandRise', '1.0')
     fn('MUL', '@'+s+'HandTrail', '@P_'+s+'Hand', '1.0')
+fn('MUL', '@RightHandRiseTrail', '@RightHandRise', '1.0')
 fn('MUL', '@RightHandRiseOfLate', '@RightHandRise', '1.0')
 start_funcs = list(funcs); funcs.clear()
 follow('UpReference', 'UpDir', 'Drift', '0.01'); fn('NORMALIZE', '@UpReference', '@UpReference')
@@ -279,6 +280,13 @@ for s in ('Right', 'Left'):
 # kept low.
 val('float', 'RightHandRiseOfLate')
 sinking_peak('RightHandRiseOfLate', 'RightHandRise', '0.01', 'RiseAboveLately')
+# RightHandRiseKick is how far the right hand has just risen above a trail
+# that follows its rise at 10% a frame, in arm lengths: a shot's recoil jerks
+# the hands up from wherever they aim, where hands that settle onto the aim
+# from above, or drift there, stay on their trail.
+val('float', 'RightHandRiseTrail'); val('float', 'RightHandRiseKick')
+follow('RightHandRiseTrail', 'RightHandRise', 'RightHandRiseKick', '0.1')
+fn('SUB', '@RightHandRiseKick', '@RightHandRise', '@RightHandRiseTrail')
 val('float', 'TorsoUpright'); fn('DOT', '@TorsoUpright', '@UpDir', '@UpReference')
 # TorsoUprightLately holds the torso's lowest uprightness of the last few
 # seconds: it drops at once with the torso and climbs back by only 0.002 a
@@ -509,12 +517,15 @@ G('PushBothHands', 'standing, both hands, raised in front of the chest, push for
 # hands swept up from low in one movement pass through the aim on their way
 # above the shoulders, where a shot halts before the recoil. Told apart so,
 # the recoil need take the hands only a little above the shoulders, as some
-# people's kick is small.
+# people's kick is small; it is a jerk up from the aim, as hands brought down
+# onto the aim from above, at the end of a change of weapon, stop there
+# already a little above the shoulders. The aim is taken standing: people
+# squatting hold both arms forward for balance.
 G('Shoot', 'both hands, together, are raised from low and pointed straight forward at chest height, stopping there, then kick up with the recoil',
   [q('RightHandReach', '<', '0.86'), q('LeftHandReach', '<', '0.86')],
   begun('RightHandReach', '>', '0.88'),
-  [within(1500), q('RightHandReach', '>', '0.8'), q('LeftHandReach', '>', '0.8'), q('HandsGap', '<', '0.4'), q('RightHandLift', '<', '0.5')] + chest('Right') + chest('Left'),
-  [within(2600), q('RightHandRise', '>', '0.05'), q('LeftHandRise', '>', '0.05'), q('HandsGap', '<', '0.3'), q('RightHandLift', '>', '0.2')])
+  [within(1500), q('RightHandReach', '>', '0.8'), q('LeftHandReach', '>', '0.8'), q('HandsGap', '<', '0.4'), q('RightHandLift', '<', '0.5'), q('LegStretch', '>', '0.9')] + chest('Right') + chest('Left'),
+  [within(2600), q('RightHandRise', '>', '0.05'), q('LeftHandRise', '>', '0.05'), q('HandsGap', '<', '0.3'), q('RightHandRiseKick', '>', '0.05')])
 # Goggles are held before the eyes: the hands come up in front of the face,
 # apart, and stay below the height at which had-enough rests them on top of
 # the head. The height is read from the shoulders, as the head is tracked
