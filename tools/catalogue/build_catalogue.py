@@ -569,10 +569,12 @@ G('WindItUp', 'both hands come up in front of the chest, then swing out wide to 
 # weapon (slower than three quarters of an arm length a second) before it
 # comes back: the strokes of a drawing or a bat's swing sweep the hand
 # through the same place without stopping there. Many people reach only a
-# little past the middle of the chest, with the hand well in front of the
-# head, so the place itself is loose: above the shoulder, a tenth of a
-# shoulder width past the middle and within 1.6 shoulder widths of the head,
-# standing upright, where a bow or a duck brings the hand there too. The
+# little past the middle of the chest, so the place itself is loose: above
+# the shoulder, a tenth of a shoulder width past the middle and no more than
+# 1.2 shoulder widths in front of the head, however far aside the tracker
+# puts a hand lost behind the head, standing upright, where a bow or a duck
+# brings the hand there too. The reach comes within 2 s of the hand's first
+# rise: a fighter's hands tracked astray in the guard get there later. The
 # hands count as forward only once the right hand has come back down below
 # the shoulder: people who keep aiming with the left hand during the reach
 # would otherwise finish at the reach itself, long before the hands come
@@ -580,7 +582,7 @@ G('WindItUp', 'both hands come up in front of the chest, then swing out wide to 
 G('ChangeWeapon', 'the right hand reaches up over the left shoulder and stops there, standing upright, then comes down and both hands come forward together at the waist',
   [q('RightHandAcross', '>', '0.1'), q('RightHandRise', '<', '-0.48')],
   begun('RightHandRise', '>', '-0.2'),
-  [within(2300), q('RightHandAcross', '<', '-0.1'), q('RightHandRise', '>', '0.0'), q('LeftHandRise', '<', '-0.1'), q('RightHandNearHead', '<', '1.6'), q('TorsoUpright', '>', '0.97'), q('RightHandSpeed', '<', '0.75')],
+  [within(2000), q('RightHandAcross', '<', '-0.1'), q('RightHandRise', '>', '0.0'), q('LeftHandRise', '<', '-0.1'), q('RightHandBeforeHead', '<', '1.2'), q('TorsoUpright', '>', '0.97'), q('RightHandSpeed', '<', '0.75')],
   [within(2750), q('RightHandReach', '>', '0.2'), q('LeftHandReach', '>', '0.11'), q('RightHandRise', '<', '-0.15'), q('HandsGap', '<', '2.48')])
 # Beating is told from arms raised and held, from hands held at the head or
 # the eyes and from a shot by the hands still moving after half a second up,
