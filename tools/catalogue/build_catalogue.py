@@ -228,6 +228,13 @@ for s in ('Right', 'Left'):
 # how far the right hand is to the left of the left hand, in shoulder widths
 val('float', 'HandsCrossed'); fn('SUB', '@HandsCrossed', '@LeftHandAcross', '@RightHandAcross')
 val('float', 'HandsGap'); fn('DISTANCE', '@HandsGap', '@P_RightHand', '@P_LeftHand'); fn('DIV', '@HandsGap', '@HandsGap', '@ShoulderWidth')
+# RightHandDownOrJoined is the right hand's rise or, when lower, the hands'
+# gap less 0.55 shoulder widths: a change of weapon ends with the right hand
+# back below the shoulder, or with it joined to the left hand at the
+# shoulder, aiming the new weapon.
+val('float', 'HandsGapPastJoined'); val('float', 'RightHandDownOrJoined'); val('float', 'DownOrJoinedGap')
+fn('SUB', '@HandsGapPastJoined', '@HandsGap', '0.55')
+lesser('RightHandDownOrJoined', 'RightHandRise', 'HandsGapPastJoined', 'DownOrJoinedGap')
 # HandsApart and ArmsStraightness follow the hands' gap and the arms' mean
 # straightness at 10% a frame: beating drums keeps the hands apart and the
 # elbows bent on the whole, though a stroke may bring the hands near or
@@ -576,14 +583,14 @@ G('WindItUp', 'both hands come up in front of the chest, then swing out wide to 
 # brings the hand there too. The reach comes within 2 s of the hand's first
 # rise: a fighter's hands tracked astray in the guard get there later. The
 # hands count as forward only once the right hand has come back down below
-# the shoulder: people who keep aiming with the left hand during the reach
-# would otherwise finish at the reach itself, long before the hands come
-# forward again.
-G('ChangeWeapon', 'the right hand reaches up over the left shoulder and stops there, standing upright, then comes down and both hands come forward together at the waist',
+# the shoulder, or has joined the left hand there to aim the new weapon:
+# people who keep aiming with the left hand during the reach would otherwise
+# finish at the reach itself, long before the hands come forward again.
+G('ChangeWeapon', 'the right hand reaches up over the left shoulder and stops there, standing upright, then comes down and both hands come forward together at the waist, or join at the shoulder to aim',
   [q('RightHandAcross', '>', '0.1'), q('RightHandRise', '<', '-0.48')],
   begun('RightHandRise', '>', '-0.2'),
   [within(2000), q('RightHandAcross', '<', '-0.1'), q('RightHandRise', '>', '0.0'), q('LeftHandRise', '<', '-0.1'), q('RightHandBeforeHead', '<', '1.2'), q('TorsoUpright', '>', '0.97'), q('RightHandSpeed', '<', '0.75')],
-  [within(2750), q('RightHandReach', '>', '0.2'), q('LeftHandReach', '>', '0.11'), q('RightHandRise', '<', '-0.15'), q('HandsGap', '<', '2.48')])
+  [within(2750), q('RightHandReach', '>', '0.2'), q('LeftHandReach', '>', '0.11'), q('RightHandDownOrJoined', '<', '-0.15'), q('HandsGap', '<', '2.48')])
 # Beating is told from arms raised and held, from hands held at the head or
 # the eyes and from a shot by the hands still moving after half a second up,
 # kept apart, with the elbows bent on the whole. Some people beat for barely
