@@ -368,9 +368,13 @@ chest = lambda s: [q(s+'HandRise', '>', '-0.7'), q(s+'HandRise', '<', '0.25')]
 # A swipe is one stroke: the right hand comes up from low on one side, sweeps
 # across and drops again, the left hand staying down. Drawing in the air
 # keeps the hand up from one stroke to the next. The time runs from the hand
-# leaving its rest. A swipe to the left ends high, where the strokes of an X
-# or a circle come down, and the hand does not climb again on its way down; a
-# swipe to the right drops on the right, where a wave swings back across.
+# leaving its rest. A swipe to the left starts soon after, before the hand
+# has been on the left: a wave swings across and back before it comes to the
+# start, and the arm of a pick-up and throw lingers low. (The same limits on a
+# swipe to the right cost it more under the refit on other people than they
+# save.) A swipe to the left ends high, where the strokes of an X or a circle
+# come down, and the hand does not climb again on its way down; a swipe to
+# the right drops on the right, where a wave swings back across.
 def swipe(name, comment, start, end, drop):
     G(name, comment,
       [q('RightHandRise', '<', '-0.82')],
@@ -379,7 +383,7 @@ def swipe(name, comment, start, end, drop):
       end + [q('LeftHandRise', '<', '-0.5')],
       drop + [q('RightHandRise', '<', '-0.86')])
 swipe('SwipeLeft', "the right hand comes up on the person's right, sweeps across the body to the left and drops",
-      [within(600), q('RightHandAcross', '>', '0.88'), q('RightHandRise', '>', '-0.3'), q('RightHandReach', '>', '0.6')],
+      [within(400), q('RightHandAcross', '>', '-0.165', True), q('RightHandAcross', '>', '0.88'), q('RightHandRise', '>', '-0.3'), q('RightHandReach', '>', '0.6')],
       [within(900), q('RightHandAcross', '<', '-0.165'), q('RightHandRise', '>', '-0.2')],
       [within(770), q('RightHandRise', '<', '0.5', True)])
 swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back across the body to the right and drops there",
