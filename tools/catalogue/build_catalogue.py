@@ -317,6 +317,14 @@ for s in ('Right', 'Left'):
     fn('DIV', '@'+s+'HandHeight', '@'+s+'HandHeight', '@TorsoLength')
 lesser('LowerHandHeight', 'RightHandHeight', 'LeftHandHeight', 'HandsHeightGap')
 val('float', 'FeetRiseGap'); fn('SUB', '@FeetRiseGap', '@RightFootRise', '@LeftFootRise'); fn('ABS', '@FeetRiseGap', '@FeetRiseGap')
+# FootRiseLately holds the higher foot's highest rise of the last second or
+# two, sinking by 0.01 a frame: a fighter's arm flung out for balance in a
+# side kick stays out a moment after the foot is down, where a push to the
+# right is made standing.
+val('float', 'HigherFootRise'); val('float', 'FootRiseLately')
+fn('ADD', '@HigherFootRise', '@RightFootRise', '@LeftFootRise'); fn('ADD', '@HigherFootRise', '@HigherFootRise', '@FeetRiseGap')
+fn('MUL', '@HigherFootRise', '@HigherFootRise', '0.5')
+sinking_peak('FootRiseLately', 'HigherFootRise', '0.01', 'RiseAboveLately')
 baseline_funcs = list(funcs); funcs.clear()
 
 OPS = {'>': 'Greate', '<': 'Less', '>=': 'EGreate', '<=': 'ELess'}
@@ -394,18 +402,19 @@ swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back a
 # beside the thigh out to the side, straight out or half forward, below the
 # shoulder, and holds it there a moment with the left hand still in; it does
 # not go up in front as a swipe or a back fist does. Some people push low and
-# more forward than out, so the hand need not go far out; what tells the
-# look-alikes is how it got there. A drawing in the air, a throw's backswing
-# or a reach over the shoulder passes the same place soon after the hand was
-# up, a courtier's arm sweeps out as the torso comes up from a bow, a duck's
-# balancing arm goes out on bent legs, a cocked throw holds the hand behind
-# the shoulder, and a wind-up takes the left hand out too.
+# more forward than out, so the hand need not go far out nor high; what
+# tells the look-alikes is how it got there. A drawing in the air, a throw's
+# backswing or a reach over the shoulder passes the same place soon after the
+# hand was up, a courtier's arm sweeps out as the torso comes up from a bow, a
+# duck's balancing arm goes out on bent legs, a side kicker's arm is still out
+# for balance as the foot comes down, a cocked throw holds the hand behind the
+# shoulder, and a wind-up takes the left hand out too.
 G('PushRight', "the right hand, from in front of the body or beside it, sweeps out to the person's right, straight out or half forward, arm straight, the left hand staying in, and stays out a moment",
   [q('RightHandOut', '<', '0.1')],
   [q('RightHandRise', '>', '-0.85', True), q('RightHandOutward', '>', '0.35')],
-  [within(2050), q('RightHandOutward', '>', '0.65'), q('RightArmStraight', '>', '0.85'), q('RightHandRise', '>', '-0.65'), q('LegStretch', '>', '0.9'), q('RightHandReach', '>', '0.0'), q('TorsoUprightLately', '>', '0.9'), q('RightHandRise', '<', '0.25'), q('RightHandRiseOfLate', '<', '0.12'), q('RightHandAheadHigh', '<', '0.3'),
-   q('LeftHandOut', '<', '0.31'), q('RightFootRise', '<', '0.1'), q('LeftFootRise', '<', '0.1')],
-  [q('RightHandOutward', '>', '0.65', True), q('RightHandRise', '<', '0.3', True), q('LeftHandOut', '<', '0.45', True), held(125)])
+  [within(2050), q('RightHandOutward', '>', '0.65'), q('RightArmStraight', '>', '0.85'), q('LegStretch', '>', '0.9'), q('RightHandReach', '>', '0.0'), q('TorsoUprightLately', '>', '0.9'), q('RightHandRise', '<', '0.25'), q('RightHandRiseOfLate', '<', '0.12'), q('RightHandAheadHigh', '<', '0.3'),
+   q('LeftHandOut', '<', '0.31'), q('FootRiseLately', '<', '0.2')],
+  [q('RightHandOutward', '>', '0.65', True), q('RightHandRise', '<', '0.3', True), q('LeftHandOut', '<', '0.45', True), held(110)])
 # A punch leaves from the guard, the fist near the head, where a tennis swing
 # or a back fist comes from out at the side. Some fighters never lock the
 # elbow, stopping a few hundredths short of straight, about as straight as a
