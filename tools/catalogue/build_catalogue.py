@@ -257,6 +257,16 @@ for s in ('Right', 'Left'):
 val('float', 'HandsSwinging'); val('float', 'HandsSwing')
 fn('ADD', '@HandsSwing', '@RightHandSwing', '@LeftHandSwing')
 follow('HandsSwinging', 'HandsSwing', 'HandsSwing', '0.1')
+# BeatSettled falls below nothing once a beat is over: either the higher
+# hand has come down under the height where a beat ends (0.07 arm lengths
+# below its shoulder), or the hands, still up, have stopped swinging (their
+# slowly followed swing under 0.2 arm lengths). Some people end a beat by
+# holding the hands up still for a second before they lower them, which the
+# hands' coming down alone reads too late.
+val('float', 'HandsOverBeatEnd'); val('float', 'HandsSwingOverStill'); val('float', 'BeatSettled'); val('float', 'BeatSettledGap')
+fn('ADD', '@HandsOverBeatEnd', '@LowerHandRise', '@HandsRiseGap'); fn('ADD', '@HandsOverBeatEnd', '@HandsOverBeatEnd', '0.07')
+fn('SUB', '@HandsSwingOverStill', '@HandsSwinging', '0.2')
+lesser('BeatSettled', 'HandsOverBeatEnd', 'HandsSwingOverStill', 'BeatSettledGap')
 # HandSwingAcross follows, at 10% a frame, how much faster the hand moves
 # along the shoulder line than 0.7 times its speed forward-back and up-down
 # together, in arm lengths per second: a wave swings the hand side to side,
@@ -613,13 +623,13 @@ G('ChangeWeapon', 'the right hand reaches up over the left shoulder and stops th
 # hands are up; arms raised and held shake enough to read as swinging for a
 # long while and bend only on the way down, so that must come within 2 s.
 beat_up = [q('LowerHandRise', '>', '-0.1', True), q('LowerHandRise', '<', '0.85', True), q('HandsFromHead', '>', '0.68', True)]
-G('BeatBoth', 'both hands, raised to the height of the head but kept away from it and apart, keep beating with the elbows bent, then come down',
+G('BeatBoth', 'both hands, raised to the height of the head but kept away from it and apart, keep beating with the elbows bent, then come down or stop still',
   [q('RightHandRise', '<', '-0.69'), q('LeftHandRise', '<', '-0.69')],
   begun('LowerHandRise', '>', '-0.5'),
   [within(1500), q('LowerHandRise', '>', '0.2')],
   beat_up + [held(500)],
   beat_up + [q('HandsSwinging', '>', '0.3', True), held(500), q('HandsApart', '>', '1.2'), q('ArmsStraightness', '<', '0.9'), within(2000)],
-  [within(4800), q('RightHandRise', '<', '-0.07'), q('LeftHandRise', '<', '-0.07')])
+  [within(4800), q('BeatSettled', '<', '0.0')])
 
 def attr(v): return v.replace('&', '&amp;').replace('<', '&lt;').replace('"', '&quot;')
 out = []
