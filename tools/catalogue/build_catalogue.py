@@ -549,13 +549,14 @@ G('PushBothHands', 'standing, both hands, raised in front of the chest, push for
 # the recoil need take the hands only a little above the shoulders, as some
 # people's kick is small; it is a jerk up from the aim, as hands brought down
 # onto the aim from above, at the end of a change of weapon, stop there
-# already a little above the shoulders. The aim is taken standing: people
-# squatting hold both arms forward for balance.
+# already a little above the shoulders. The hands may part a little in the
+# kick, as some people's left hand jumps off the right. The aim is taken
+# standing: people squatting hold both arms forward for balance.
 G('Shoot', 'both hands, together, are raised from low and pointed straight forward at chest height, stopping there, then kick up with the recoil',
   [q('RightHandReach', '<', '0.86'), q('LeftHandReach', '<', '0.86')],
   begun('RightHandReach', '>', '0.88'),
   [within(1500), q('RightHandReach', '>', '0.8'), q('LeftHandReach', '>', '0.8'), q('HandsGap', '<', '0.4'), q('RightHandLift', '<', '0.5'), q('LegStretch', '>', '0.9')] + chest('Right') + chest('Left'),
-  [within(2600), q('RightHandRise', '>', '0.05'), q('LeftHandRise', '>', '0.05'), q('HandsGap', '<', '0.3'), q('RightHandRiseKick', '>', '0.05')])
+  [within(2600), q('RightHandRise', '>', '0.05'), q('LeftHandRise', '>', '0.05'), q('HandsGap', '<', '0.6'), q('RightHandRiseKick', '>', '0.05')])
 # Goggles are held before the eyes: the hands come up in front of the face,
 # apart, and stay below the height at which had-enough rests them on top of
 # the head. The height is read from the shoulders, as the head is tracked
