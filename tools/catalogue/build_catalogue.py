@@ -401,7 +401,7 @@ def swipe(name, comment, start, end, drop):
       end + [q('LeftHandRise', '<', '-0.5')],
       drop + [q('RightHandRise', '<', '-0.86')])
 swipe('SwipeLeft', "the right hand comes up on the person's right, sweeps across the body to the left and drops",
-      [within(400), q('RightHandAcross', '>', '-0.165', True), q('RightHandAcross', '>', '0.88'), q('RightHandRise', '>', '-0.3'), q('RightHandReach', '>', '0.6')],
+      [within(400), q('RightHandAcross', '>', '-0.165', True), q('RightHandAcross', '>', '0.65'), q('RightHandRise', '>', '-0.3'), q('RightHandReach', '>', '0.6')],
       [within(900), q('RightHandAcross', '<', '-0.165'), q('RightHandRise', '>', '-0.2')],
       [within(770), q('RightHandRise', '<', '0.5', True)])
 swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back across the body to the right and drops there",
