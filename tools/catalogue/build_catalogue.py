@@ -291,10 +291,10 @@ for s in ('Right', 'Left'):
     sinking_peak(s+'HandRiseLately', s+'HandRise', '0.02', 'RiseAboveLately')
 # RightHandRiseOfLate holds the right hand's highest rise of the last two
 # seconds or so, sinking by 0.01 a frame, half as fast as HandRiseLately:
-# drawing a triangle or a circle in the air, a throw and a reach over the
-# shoulder sweep the hand out low to the right a second or so after it was
-# up at the shoulder or above, where a push to the right comes from a hand
-# kept low.
+# drawing a triangle or a circle in the air, a swipe back to the right, a
+# throw and a reach over the shoulder sweep the hand out low to the right a
+# second or so after it was up near the shoulder or above, where a push to
+# the right comes from a hand kept low.
 val('float', 'RightHandRiseOfLate')
 sinking_peak('RightHandRiseOfLate', 'RightHandRise', '0.01', 'RiseAboveLately')
 # RightHandRiseKick is how far the right hand has just risen above a trail
@@ -422,7 +422,7 @@ swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back a
 G('PushRight', "the right hand, from in front of the body or beside it, sweeps out to the person's right, straight out or half forward, arm straight, the left hand staying in, and stays out a moment",
   [q('RightHandOut', '<', '0.1')],
   [q('RightHandRise', '>', '-0.85', True), q('RightHandOutward', '>', '0.35')],
-  [within(2050), q('RightHandOutward', '>', '0.65'), q('RightArmStraight', '>', '0.85'), q('LegStretch', '>', '0.9'), q('RightHandReach', '>', '0.0'), q('TorsoUprightLately', '>', '0.9'), q('RightHandRise', '<', '0.25'), q('RightHandRiseOfLate', '<', '0.12'), q('RightHandAheadHigh', '<', '0.3'),
+  [within(2050), q('RightHandOutward', '>', '0.65'), q('RightArmStraight', '>', '0.85'), q('LegStretch', '>', '0.9'), q('RightHandReach', '>', '0.0'), q('TorsoUprightLately', '>', '0.9'), q('RightHandRise', '<', '0.25'), q('RightHandRiseOfLate', '<', '0.05'), q('RightHandAheadHigh', '<', '0.3'),
    q('LeftHandOut', '<', '0.31'), q('FootRiseLately', '<', '0.2')],
   [q('RightHandOutward', '>', '0.65', True), q('RightHandRise', '<', '0.3', True), q('LeftHandOut', '<', '0.45', True), held(110)])
 # A punch leaves from the guard, the fist near the head, where a tennis swing
