@@ -416,15 +416,16 @@ swipe('SwipeRight', "the right hand comes up on the person's left, sweeps back a
 # tells the look-alikes is how it got there. A drawing in the air, a throw's
 # backswing or a reach over the shoulder passes the same place soon after the
 # hand was up, a courtier's arm sweeps out as the torso comes up from a bow, a
-# duck's balancing arm goes out on bent legs, a side kicker's arm is still out
-# for balance as the foot comes down, a cocked throw holds the hand behind the
-# shoulder, and a wind-up takes the left hand out too.
+# duck's balancing arm goes out on bent legs, a side kicker's arm is out for
+# balance as the foot leaves the floor or comes down, a cocked throw holds the
+# hand behind the shoulder, and a wind-up takes the left hand out too. The
+# hold lets the hand sink back a little, as it does after the sweep.
 G('PushRight', "the right hand, from in front of the body or beside it, sweeps out to the person's right, straight out or half forward, arm straight, the left hand staying in, and stays out a moment",
   [q('RightHandOut', '<', '0.1')],
   [q('RightHandRise', '>', '-0.85', True), q('RightHandOutward', '>', '0.35')],
-  [within(2050), q('RightHandOutward', '>', '0.65'), q('RightArmStraight', '>', '0.85'), q('LegStretch', '>', '0.9'), q('RightHandReach', '>', '0.0'), q('TorsoUprightLately', '>', '0.9'), q('RightHandRise', '<', '0.25'), q('RightHandRiseOfLate', '<', '0.05'), q('RightHandAheadHigh', '<', '0.3'),
+  [within(2050), q('RightHandOutward', '>', '0.6'), q('RightArmStraight', '>', '0.85'), q('LegStretch', '>', '0.9'), q('RightHandReach', '>', '0.0'), q('TorsoUprightLately', '>', '0.9'), q('RightHandRise', '<', '0.25'), q('RightHandRiseOfLate', '<', '0.05'), q('RightHandAheadHigh', '<', '0.3'),
    q('LeftHandOut', '<', '0.31'), q('FootRiseLately', '<', '0.2')],
-  [q('RightHandOutward', '>', '0.65', True), q('RightHandRise', '<', '0.3', True), q('LeftHandOut', '<', '0.45', True), held(110)])
+  [q('RightHandOutward', '>', '0.55', True), q('RightHandRise', '<', '0.3', True), q('LeftHandOut', '<', '0.45', True), q('FootRiseLately', '<', '0.2', True), held(110)])
 # A punch leaves from the guard, the fist near the head, where a tennis swing
 # or a back fist comes from out at the side. Some fighters never lock the
 # elbow, stopping a few hundredths short of straight, about as straight as a
