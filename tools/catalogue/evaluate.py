@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Measures the gesture catalogue on real recordings and prints the
-per-gesture tables of docs/catalogue.md, one per dataset: by default the
+per-gesture tables of the README, one per dataset: by default the
 leave-one-subject-out figures of `pelmora tune --loso only` (each subject
 scored by the catalogue refitted on the other subjects), with --in-sample
 the figures of `pelmora evaluate` for the catalogue as it is.
