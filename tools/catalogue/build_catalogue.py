@@ -156,16 +156,17 @@ sidefeat('Right', 1)
 sidefeat('Left', -1)
 # whole body
 val('float','LegStretch'); fn('ADD','@LegStretch','@RightLegStretch','@LeftLegStretch'); fn('MUL','@LegStretch','@LegStretch','0.5')
-def lesser(target, a, b, gap):
-    """target = the lesser of a and b, (a + b - |a - b|) / 2; gap is scratch."""
+def extreme(target, a, b, gap, toward):
+    """target = (a + b -/+ |a - b|) / 2, the lesser of a and b when toward is
+    'SUB', the greater when 'ADD'; gap is scratch."""
     fn('SUB', '@'+gap, '@'+a, '@'+b); fn('ABS', '@'+gap, '@'+gap)
-    fn('ADD', '@'+target, '@'+a, '@'+b); fn('SUB', '@'+target, '@'+target, '@'+gap); fn('MUL', '@'+target, '@'+target, '0.5')
+    fn('ADD', '@'+target, '@'+a, '@'+b); fn(toward, '@'+target, '@'+target, '@'+gap); fn('MUL', '@'+target, '@'+target, '0.5')
+def lesser(target, a, b, gap): extreme(target, a, b, gap, 'SUB')
+def greater(target, a, b, gap): extreme(target, a, b, gap, 'ADD')
 def sinking_peak(target, source, sink, gap):
     """target = the greater of source and target lowered by sink; gap is scratch."""
     fn('SUB', '@'+target, '@'+target, sink)
-    fn('SUB', '@'+gap, '@'+source, '@'+target); fn('ABS', '@'+gap, '@'+gap)
-    fn('ADD', '@'+target, '@'+target, '@'+source); fn('ADD', '@'+target, '@'+target, '@'+gap)
-    fn('MUL', '@'+target, '@'+target, '0.5')
+    greater(target, source, target, gap)
 val('float','LowerHandRise'); val('float','HandsRiseGap')
 lesser('LowerHandRise', 'RightHandRise', 'LeftHandRise', 'HandsRiseGap')
 # CrouchStretch is the legs' stretch lowered by up to 0.2 as the lower hand
@@ -326,14 +327,12 @@ for s in ('Right', 'Left'):
     fn('SUB', '@HandOverFeet', '@P_'+s+'Hand', '@FeetMiddle'); fn('DOT', '@'+s+'HandHeight', '@HandOverFeet', '@UpReference')
     fn('DIV', '@'+s+'HandHeight', '@'+s+'HandHeight', '@TorsoLength')
 lesser('LowerHandHeight', 'RightHandHeight', 'LeftHandHeight', 'HandsHeightGap')
-val('float', 'FeetRiseGap'); fn('SUB', '@FeetRiseGap', '@RightFootRise', '@LeftFootRise'); fn('ABS', '@FeetRiseGap', '@FeetRiseGap')
 # FootRiseLately holds the higher foot's highest rise of the last second or
 # two, sinking by 0.01 a frame: a fighter's arm flung out for balance in a
 # side kick stays out a moment after the foot is down, where a push to the
 # right is made standing.
-val('float', 'HigherFootRise'); val('float', 'FootRiseLately')
-fn('ADD', '@HigherFootRise', '@RightFootRise', '@LeftFootRise'); fn('ADD', '@HigherFootRise', '@HigherFootRise', '@FeetRiseGap')
-fn('MUL', '@HigherFootRise', '@HigherFootRise', '0.5')
+val('float', 'FeetRiseGap'); val('float', 'HigherFootRise'); val('float', 'FootRiseLately')
+greater('HigherFootRise', 'RightFootRise', 'LeftFootRise', 'FeetRiseGap')
 sinking_peak('FootRiseLately', 'HigherFootRise', '0.01', 'RiseAboveLately')
 baseline_funcs = list(funcs); funcs.clear()
 
