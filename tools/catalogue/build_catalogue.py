@@ -139,6 +139,12 @@ def sidefeat(s, sign):
     proj(s+'FootForward', ffh, 'ForwardDir', 'TorsoLength')
     proj(s+'FootOut', ffh, 'RightDir', 'TorsoLength', True)
     proj(s+'FootUp', ffh, 'UpDir', 'TorsoLength')
+    # how high the foot is above the other foot, in torso lengths: the hips
+    # stand at different heights above the feet (a fighter's deep crouch
+    # brings the feet half a torso nearer them), where the standing
+    # foot marks the floor in every stance
+    fo = s+'FootFromOther'; val('vector3', fo); fn('SUB', '@'+fo, '@P_'+s+'Foot', '@P_'+o+'Foot')
+    proj(s+'FootAboveOther', fo, 'UpDir', 'TorsoLength')
     # how much further out than forward the foot is
     fs = s+'FootSideways'; val('float', fs); fn('SUB', '@'+fs, '@'+s+'FootOut', '@'+s+'FootForward')
     # how far the foot is to either side of its hip: a side kick by a fighter
@@ -444,17 +450,19 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
 # kick's (a fighter turned side-on is tracked with it out or across the
 # body), so one kick is not both. Timing the kick from its first lift, not
 # from rest, gives a kick begun at any moment its whole time. The kick arms
-# again only once the foot is back on the floor: a foot drawn back from one
-# kick, still raised, would otherwise count as a second kick. The body stays
-# up while the foot is raised: the hips dropping toward a crouch, a lunge or
-# a bowler's step raise the foot against them too. The shoulders stay square
-# while the foot is raised, where a side kick pivots them round.
+# again only once the foot is back on the floor, level with the standing
+# foot: a foot drawn back from one kick, still raised, would otherwise count
+# as a second kick, and a deep crouch brings the feet nearer the hips than
+# any fixed depth below them. The body stays up while the foot is raised:
+# the hips dropping toward a crouch, a lunge or a bowler's step raise the
+# foot against them too. The shoulders stay square while the foot is
+# raised, where a side kick pivots them round.
 for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G('Front'+s+'Kick', 'the %s foot leaves the floor and snaps forward, staying in front of its hip, the other foot staying down, and comes back down' % s.lower(),
       [q(s+'FootUp', '<', '-1.6'), q(s+'FootRise', '<', '0.2')],
       begun(s+'FootUp', '>', '-1.5'),
       [within(1150), q(s+'FootAsideSteady', '<', '0.7', True), q('ShoulderTurn', '<', '0.3', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.18'), q(o+'FootRise', '<', '0.2'), q('WaistRise', '>', '-0.3')],
-      [within(1000), q(s+'FootAsideSteady', '<', '1.7', True), q(s+'FootUp', '<', '-1.4')])
+      [within(1000), q(s+'FootAsideSteady', '<', '1.7', True), q(s+'FootAboveOther', '<', '0.85')])
 # A side kick is told by its chamber: the knee comes up with the foot beside
 # the hip, well more out than forward, before the leg extends. Where the
 # foot then goes depends on how far the fighter has turned side-on: straight
