@@ -162,11 +162,14 @@ sidefeat('Right', 1)
 sidefeat('Left', -1)
 # whole body
 val('float','LegStretch'); fn('ADD','@LegStretch','@RightLegStretch','@LeftLegStretch'); fn('MUL','@LegStretch','@LegStretch','0.5')
+def operand(x):
+    """a value's name as a function reads it, or a number as it is"""
+    return x if x.lstrip('-')[:1].isdigit() else '@'+x
 def extreme(target, a, b, gap, toward):
     """target = (a + b -/+ |a - b|) / 2, the lesser of a and b when toward is
-    'SUB', the greater when 'ADD'; gap is scratch."""
-    fn('SUB', '@'+gap, '@'+a, '@'+b); fn('ABS', '@'+gap, '@'+gap)
-    fn('ADD', '@'+target, '@'+a, '@'+b); fn(toward, '@'+target, '@'+target, '@'+gap); fn('MUL', '@'+target, '@'+target, '0.5')
+    'SUB', the greater when 'ADD'; b may be a number; gap is scratch."""
+    fn('SUB', '@'+gap, '@'+a, operand(b)); fn('ABS', '@'+gap, '@'+gap)
+    fn('ADD', '@'+target, '@'+a, operand(b)); fn(toward, '@'+target, '@'+target, '@'+gap); fn('MUL', '@'+target, '@'+target, '0.5')
 def lesser(target, a, b, gap): extreme(target, a, b, gap, 'SUB')
 def greater(target, a, b, gap): extreme(target, a, b, gap, 'ADD')
 def sinking_peak(target, source, sink, gap):
@@ -264,6 +267,63 @@ for s in ('Right', 'Left'):
 val('float', 'HandsSwinging'); val('float', 'HandsSwing')
 fn('ADD', '@HandsSwing', '@RightHandSwing', '@LeftHandSwing')
 follow('HandsSwinging', 'HandsSwing', 'HandsSwing', '0.1')
+# Some people beat in front of the chest rather than at the head: a second
+# or so of strokes of both hands together, arms straight or bent, the hands
+# never much above the shoulders. What tells them is the order of the
+# strokes: down, up and down again in quick succession, with the hands in
+# front of the body, neither flung wide (a wind-up swings them out to the
+# sides) nor joined (a shot aims with them together), and not over the head
+# (arms raised high shake and sink). A hand's stroke is its vertical speed
+# against its shoulder, followed at 40% a frame, in arm lengths per second:
+# a squat or a duck carries the hands held forward up and down with the
+# body. A stroke of both hands is the slower of the two, counted only while
+# the hands have room to beat: the lower hand above 0.75 arm lengths below
+# its shoulder, the higher below 0.35 above its own, the hands 0.3 to 2.6
+# shoulder widths apart (StrokeRoom is 20 times the least margin, at most
+# 3, so a fast drop does not stand for a slow stroke). Each link of the chain
+# holds the slower of its stroke and the link before, sinking by 0.07 a
+# frame: it is only as fast as its slowest stroke and comes apart when the
+# strokes pause. Raising the hands and dropping them make one or two
+# strokes, not three. StrokesLately holds the chain's highest for a second
+# or two, sinking by 0.007 a frame, and ChestStrokes is 20 times how far it
+# is past 0.7 arm lengths per second: past nothing, it stands in for the
+# hands being up, apart and bent, and BeatHold, the time the beat is held
+# at each step, falls from 500 ms to none, as a beat in front of the chest
+# may last a second in all. ChestBeating stays above nothing while those
+# strokes are recent and the hands still have room, so such a beat ends
+# when the hands come down from it, not as soon as they are below the
+# shoulders.
+val('vector3', 'HandOnBodyVelocity')
+for s in ('Right', 'Left'):
+    val('float', s+'HandLiftSteady'); val('float', s+'HandLiftStep')
+    fn('SUB', '@HandOnBodyVelocity', '@V_'+s+'Hand', '@V_'+s+'Shoulder'); fn('DOT', '@'+s+'HandLiftStep', '@HandOnBodyVelocity', '@UpDir')
+    fn('DIV', '@'+s+'HandLiftStep', '@'+s+'HandLiftStep', '@'+s+'ArmLength'); fn('MUL', '@'+s+'HandLiftStep', '@'+s+'HandLiftStep', '1000.0')
+    follow(s+'HandLiftSteady', s+'HandLiftStep', s+'HandLiftStep', '0.4')
+val('float', 'HandsStrokeUp'); val('float', 'HandsStrokeDown'); val('float', 'StrokeGap')
+lesser('HandsStrokeUp', 'RightHandLiftSteady', 'LeftHandLiftSteady', 'StrokeGap')
+greater('HandsStrokeDown', 'RightHandLiftSteady', 'LeftHandLiftSteady', 'StrokeGap'); fn('MUL', '@HandsStrokeDown', '@HandsStrokeDown', '-1.0')
+val('float', 'StrokeRoom'); val('float', 'StrokeRoomLeft')
+fn('ADD', '@StrokeRoom', '@LowerHandRise', '0.75')
+fn('ADD', '@StrokeRoomLeft', '@LowerHandRise', '@HandsRiseGap'); fn('SUB', '@StrokeRoomLeft', '0.35', '@StrokeRoomLeft'); lesser('StrokeRoom', 'StrokeRoom', 'StrokeRoomLeft', 'StrokeGap')
+fn('SUB', '@StrokeRoomLeft', '2.6', '@HandsGap'); lesser('StrokeRoom', 'StrokeRoom', 'StrokeRoomLeft', 'StrokeGap')
+fn('SUB', '@StrokeRoomLeft', '@HandsGap', '0.3'); lesser('StrokeRoom', 'StrokeRoom', 'StrokeRoomLeft', 'StrokeGap')
+fn('MUL', '@StrokeRoom', '@StrokeRoom', '20.0'); lesser('StrokeRoom', 'StrokeRoom', '3.0', 'StrokeGap')
+val('float', 'StrokeLink')
+links = (('StrokesDown', 'HandsStrokeDown'), ('StrokesDownUp', 'HandsStrokeUp'), ('StrokesDownUpDown', 'HandsStrokeDown'))
+for k, (link, stroke) in enumerate(links):
+    val('float', link)
+    lesser('StrokeLink', stroke, 'StrokeRoom', 'StrokeGap')
+    if k: lesser('StrokeLink', 'StrokeLink', links[k - 1][0], 'StrokeGap')
+    sinking_peak(link, 'StrokeLink', '0.07', 'StrokeGap')
+val('float', 'StrokesLately'); sinking_peak('StrokesLately', 'StrokesDownUpDown', '0.007', 'StrokeGap')
+val('float', 'ChestStrokes'); fn('SUB', '@ChestStrokes', '@StrokesLately', '0.7'); fn('MUL', '@ChestStrokes', '@ChestStrokes', '20.0')
+val('float', 'BeatHeight'); greater('BeatHeight', 'LowerHandRise', 'ChestStrokes', 'StrokeGap')
+val('float', 'BeatApart'); greater('BeatApart', 'HandsApart', 'ChestStrokes', 'StrokeGap')
+val('float', 'BeatStraightness'); fn('MUL', '@BeatStraightness', '@ChestStrokes', '-1.0')
+lesser('BeatStraightness', 'ArmsStraightness', 'BeatStraightness', 'StrokeGap')
+val('float', 'BeatHold'); fn('MUL', '@BeatHold', '@ChestStrokes', '-500.0'); fn('ADD', '@BeatHold', '@BeatHold', '500.0')
+greater('BeatHold', 'BeatHold', '0.0', 'StrokeGap'); lesser('BeatHold', 'BeatHold', '500.0', 'StrokeGap')
+val('float', 'ChestBeating'); lesser('ChestBeating', 'ChestStrokes', 'StrokeRoom', 'StrokeGap')
 # BeatSettled falls below nothing once a beat is over: either the higher
 # hand has come down under the height where a beat ends (0.07 arm lengths
 # below its shoulder), or the hands, still up, have stopped swinging (their
@@ -272,6 +332,7 @@ follow('HandsSwinging', 'HandsSwing', 'HandsSwing', '0.1')
 # hands' coming down alone reads too late.
 val('float', 'HandsOverBeatEnd'); val('float', 'HandsSwingOverStill'); val('float', 'BeatSettled'); val('float', 'BeatSettledGap')
 fn('ADD', '@HandsOverBeatEnd', '@LowerHandRise', '@HandsRiseGap'); fn('ADD', '@HandsOverBeatEnd', '@HandsOverBeatEnd', '0.07')
+greater('HandsOverBeatEnd', 'HandsOverBeatEnd', 'ChestBeating', 'BeatSettledGap')
 fn('SUB', '@HandsSwingOverStill', '@HandsSwinging', '0.2')
 lesser('BeatSettled', 'HandsOverBeatEnd', 'HandsSwingOverStill', 'BeatSettledGap')
 # HandSwingAcross follows, at 10% a frame, how much faster the hand moves
@@ -631,13 +692,16 @@ G('ChangeWeapon', 'the right hand reaches up over the left shoulder and stops th
 # A beat swings, keeps the hands apart and bends the elbows soon after the
 # hands are up; arms raised and held shake enough to read as swinging for a
 # long while and bend only on the way down, so that must come within 2 s.
-beat_up = [q('LowerHandRise', '>', '-0.1', True), q('LowerHandRise', '<', '0.85', True), q('HandsFromHead', '>', '0.68', True)]
-G('BeatBoth', 'both hands, raised to the height of the head but kept away from it and apart, keep beating with the elbows bent, then come down or stop still',
+# A beat made in front of the chest passes for one made at the head once its
+# strokes have read as one (ChestStrokes): it is then not held at each step,
+# and ends when the hands come down from where they beat.
+beat_up = [q('BeatHeight', '>', '-0.1', True), q('LowerHandRise', '<', '0.85', True), q('HandsFromHead', '>', '0.68', True)]
+G('BeatBoth', 'both hands, raised to the height of the head but kept away from it and apart, keep beating with the elbows bent, or stroke down, up and down again in front of the chest, then come down or stop still',
   [q('RightHandRise', '<', '-0.69'), q('LeftHandRise', '<', '-0.69')],
   begun('LowerHandRise', '>', '-0.5'),
-  [within(1500), q('LowerHandRise', '>', '0.2')],
-  beat_up + [held(500)],
-  beat_up + [q('HandsSwinging', '>', '0.3', True), held(500), q('HandsApart', '>', '1.2'), q('ArmsStraightness', '<', '0.9'), within(2000)],
+  [within(1500), q('BeatHeight', '>', '0.2')],
+  beat_up + [q('SegmentTime', '>=', '@BeatHold')],
+  beat_up + [q('HandsSwinging', '>', '0.3', True), q('SegmentTime', '>=', '@BeatHold'), q('BeatApart', '>', '1.2'), q('BeatStraightness', '<', '0.9'), within(2000)],
   [within(4800), q('BeatSettled', '<', '0.0')])
 
 def attr(v): return v.replace('&', '&amp;').replace('<', '&lt;').replace('"', '&quot;')
