@@ -522,7 +522,7 @@ for s, o in (('Right', 'Left'), ('Left', 'Right')):
     G('Front'+s+'Kick', 'the %s foot leaves the floor and snaps forward, staying in front of its hip, the other foot staying down, and comes back down' % s.lower(),
       [q(s+'FootUp', '<', '-1.6'), q(s+'FootRise', '<', '0.2')],
       begun(s+'FootUp', '>', '-1.5'),
-      [within(1150), q(s+'FootAsideSteady', '<', '0.7', True), q('ShoulderTurn', '<', '0.3', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.22'), q(o+'FootRise', '<', '0.2'), q('WaistRise', '>', '-0.3')],
+      [within(1150), q(s+'FootAsideSteady', '<', '0.7', True), q('ShoulderTurn', '<', '0.34', True), q(s+'FootUp', '>', '-1.3'), q(s+'FootRise', '>', '0.5'), q(s+'FootForward', '>', '0.22'), q(o+'FootRise', '<', '0.2'), q('WaistRise', '>', '-0.3')],
       [within(1000), q(s+'FootAsideSteady', '<', '1.7', True), q(s+'FootAboveOther', '<', '0.85')])
 # A side kick is told by its chamber: the knee comes up with the foot beside
 # the hip, well more out than forward, before the leg extends. Where the
