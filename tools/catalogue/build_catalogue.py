@@ -335,6 +335,19 @@ fn('ADD', '@HandsOverBeatEnd', '@LowerHandRise', '@HandsRiseGap'); fn('ADD', '@H
 greater('HandsOverBeatEnd', 'HandsOverBeatEnd', 'ChestBeating', 'BeatSettledGap')
 fn('SUB', '@HandsSwingOverStill', '@HandsSwinging', '0.2')
 lesser('BeatSettled', 'HandsOverBeatEnd', 'HandsSwingOverStill', 'BeatSettledGap')
+# BeatRest is above nothing while the hands rest, ready to beat: both hands
+# more than 0.69 arm lengths below their shoulders, or still (HandsSwinging
+# under 0.2, as where a beat ends) anywhere up to 0.3 arm lengths above them.
+# Some people rest with the forearms raised between beats, so a beat that
+# could only start from hanging hands is read once and never again. Armed
+# on still hands held higher too, the rule finds no more beats but more
+# false ones, left out of the fit.
+# The beat is then timed from the hands' moving off again (swinging past
+# 0.25), not from their height, which such a rest has already passed.
+val('float', 'BeatRest'); val('float', 'HandsStillUnder'); val('float', 'HandsStillBy'); val('float', 'BeatRestGap')
+fn('ADD', '@BeatRest', '@LowerHandRise', '@HandsRiseGap'); fn('SUB', '@HandsStillUnder', '0.3', '@BeatRest'); fn('SUB', '@BeatRest', '-0.69', '@BeatRest')
+fn('SUB', '@HandsStillBy', '0.2', '@HandsSwinging'); lesser('HandsStillUnder', 'HandsStillUnder', 'HandsStillBy', 'BeatRestGap')
+greater('BeatRest', 'BeatRest', 'HandsStillUnder', 'BeatRestGap')
 # HandSwingAcross follows, at 10% a frame, how much faster the hand moves
 # along the shoulder line than 0.7 times its speed forward-back and up-down
 # together, in arm lengths per second: a wave swings the hand side to side,
@@ -697,8 +710,8 @@ G('ChangeWeapon', 'the right hand reaches up over the left shoulder and stops th
 # and ends when the hands come down from where they beat.
 beat_up = [q('BeatHeight', '>', '-0.1', True), q('LowerHandRise', '<', '0.85', True), q('HandsFromHead', '>', '0.68', True)]
 G('BeatBoth', 'both hands, raised to the height of the head but kept away from it and apart, keep beating with the elbows bent, or stroke down, up and down again in front of the chest, then come down or stop still',
-  [q('RightHandRise', '<', '-0.69'), q('LeftHandRise', '<', '-0.69')],
-  begun('LowerHandRise', '>', '-0.5'),
+  [q('BeatRest', '>', '0.0')],
+  begun('LowerHandRise', '>', '-0.5') + [q('HandsSwinging', '>', '0.25')],
   [within(1500), q('BeatHeight', '>', '0.2')],
   beat_up + [q('SegmentTime', '>=', '@BeatHold')],
   beat_up + [q('HandsSwinging', '>', '0.3', True), q('SegmentTime', '>=', '@BeatHold'), q('BeatApart', '>', '1.2'), q('BeatStraightness', '<', '0.9'), within(2000)],
