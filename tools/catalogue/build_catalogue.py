@@ -284,7 +284,7 @@ follow('HandsSwinging', 'HandsSwing', 'HandsSwing', '0.1')
 # holds the slower of its stroke and the link before, sinking by 0.07 a
 # frame: it is only as fast as its slowest stroke and comes apart when the
 # strokes pause. Raising the hands and dropping them make one or two
-# strokes, not three. StrokesLately holds the chain's highest for a second
+# strokes, not three. StrokesLately holds the chains' highest for a second
 # or two, sinking by 0.007 a frame, and ChestStrokes is 20 times how far it
 # is past 0.7 arm lengths per second: past nothing, it stands in for the
 # hands being up, apart and bent, and BeatHold, the time the beat is held
@@ -309,13 +309,29 @@ fn('SUB', '@StrokeRoomLeft', '2.6', '@HandsGap'); lesser('StrokeRoom', 'StrokeRo
 fn('SUB', '@StrokeRoomLeft', '@HandsGap', '0.3'); lesser('StrokeRoom', 'StrokeRoom', 'StrokeRoomLeft', 'StrokeGap')
 fn('MUL', '@StrokeRoom', '@StrokeRoom', '20.0'); lesser('StrokeRoom', 'StrokeRoom', '3.0', 'StrokeGap')
 val('float', 'StrokeLink')
-links = (('StrokesDown', 'HandsStrokeDown'), ('StrokesDownUp', 'HandsStrokeUp'), ('StrokesDownUpDown', 'HandsStrokeDown'))
-for k, (link, stroke) in enumerate(links):
-    val('float', link)
-    lesser('StrokeLink', stroke, 'StrokeRoom', 'StrokeGap')
-    if k: lesser('StrokeLink', 'StrokeLink', links[k - 1][0], 'StrokeGap')
-    sinking_peak(link, 'StrokeLink', '0.07', 'StrokeGap')
-val('float', 'StrokesLately'); sinking_peak('StrokesLately', 'StrokesDownUpDown', '0.007', 'StrokeGap')
+def stroke_chain(links):
+    """links are (name, stroke) pairs in the order the strokes come"""
+    for k, (link, stroke) in enumerate(links):
+        val('float', link)
+        lesser('StrokeLink', stroke, 'StrokeRoom', 'StrokeGap')
+        if k: lesser('StrokeLink', 'StrokeLink', links[k - 1][0], 'StrokeGap')
+        sinking_peak(link, 'StrokeLink', '0.07', 'StrokeGap')
+stroke_chain((('StrokesDown', 'HandsStrokeDown'), ('StrokesDownUp', 'HandsStrokeUp'), ('StrokesDownUpDown', 'HandsStrokeDown')))
+# Some beat one hand after the other: one hand strokes up while the other
+# strokes down, then the other way round, then again (a stroke of the pair
+# is the slower of the two hands' opposite speeds). Boxing makes such chains
+# too, but slower, as its fists are driven forward rather than up and down,
+# so this chain counts for 0.3 arm lengths per second less than one of both
+# hands together.
+val('float', 'RightUpLeftDown'); val('float', 'LeftUpRightDown'); val('float', 'HandLiftFalling')
+fn('MUL', '@HandLiftFalling', '@LeftHandLiftSteady', '-1.0'); lesser('RightUpLeftDown', 'RightHandLiftSteady', 'HandLiftFalling', 'StrokeGap')
+fn('MUL', '@HandLiftFalling', '@RightHandLiftSteady', '-1.0'); lesser('LeftUpRightDown', 'LeftHandLiftSteady', 'HandLiftFalling', 'StrokeGap')
+turns = ('RightUpLeftDown', 'LeftUpRightDown', 'RightUpLeftDown', 'LeftUpRightDown')
+stroke_chain(tuple(('TurnsFromRight%d' % k, turns[k]) for k in range(3)))
+stroke_chain(tuple(('TurnsFromLeft%d' % k, turns[k + 1]) for k in range(3)))
+val('float', 'StrokesSeen'); greater('StrokesSeen', 'TurnsFromRight2', 'TurnsFromLeft2', 'StrokeGap'); fn('SUB', '@StrokesSeen', '@StrokesSeen', '0.3')
+greater('StrokesSeen', 'StrokesSeen', 'StrokesDownUpDown', 'StrokeGap')
+val('float', 'StrokesLately'); sinking_peak('StrokesLately', 'StrokesSeen', '0.007', 'StrokeGap')
 val('float', 'ChestStrokes'); fn('SUB', '@ChestStrokes', '@StrokesLately', '0.7'); fn('MUL', '@ChestStrokes', '@ChestStrokes', '20.0')
 val('float', 'BeatHeight'); greater('BeatHeight', 'LowerHandRise', 'ChestStrokes', 'StrokeGap')
 val('float', 'BeatApart'); greater('BeatApart', 'HandsApart', 'ChestStrokes', 'StrokeGap')
