@@ -302,18 +302,23 @@ for s in ('Right', 'Left'):
 val('float', 'HandsStrokeUp'); val('float', 'HandsStrokeDown'); val('float', 'StrokeGap')
 lesser('HandsStrokeUp', 'RightHandLiftSteady', 'LeftHandLiftSteady', 'StrokeGap')
 greater('HandsStrokeDown', 'RightHandLiftSteady', 'LeftHandLiftSteady', 'StrokeGap'); fn('MUL', '@HandsStrokeDown', '@HandsStrokeDown', '-1.0')
-val('float', 'StrokeRoom'); val('float', 'StrokeRoomLeft')
-fn('ADD', '@StrokeRoom', '@LowerHandRise', '0.75')
-fn('ADD', '@StrokeRoomLeft', '@LowerHandRise', '@HandsRiseGap'); fn('SUB', '@StrokeRoomLeft', '0.35', '@StrokeRoomLeft'); lesser('StrokeRoom', 'StrokeRoom', 'StrokeRoomLeft', 'StrokeGap')
-fn('SUB', '@StrokeRoomLeft', '2.6', '@HandsGap'); lesser('StrokeRoom', 'StrokeRoom', 'StrokeRoomLeft', 'StrokeGap')
-fn('SUB', '@StrokeRoomLeft', '@HandsGap', '0.3'); lesser('StrokeRoom', 'StrokeRoom', 'StrokeRoomLeft', 'StrokeGap')
-fn('MUL', '@StrokeRoom', '@StrokeRoom', '20.0'); lesser('StrokeRoom', 'StrokeRoom', '3.0', 'StrokeGap')
+val('float', 'StrokeRoomLeft')
+def stroke_room(room, floor):
+    """room is 20 times the hands' least margin to beat in, at most 3; the
+    lower hand's margin is above floor arm lengths below its shoulder"""
+    val('float', room)
+    fn('ADD', '@'+room, '@LowerHandRise', floor)
+    fn('ADD', '@StrokeRoomLeft', '@LowerHandRise', '@HandsRiseGap'); fn('SUB', '@StrokeRoomLeft', '0.35', '@StrokeRoomLeft'); lesser(room, room, 'StrokeRoomLeft', 'StrokeGap')
+    fn('SUB', '@StrokeRoomLeft', '2.6', '@HandsGap'); lesser(room, room, 'StrokeRoomLeft', 'StrokeGap')
+    fn('SUB', '@StrokeRoomLeft', '@HandsGap', '0.3'); lesser(room, room, 'StrokeRoomLeft', 'StrokeGap')
+    fn('MUL', '@'+room, '@'+room, '20.0'); lesser(room, room, '3.0', 'StrokeGap')
+stroke_room('StrokeRoom', '0.75')
 val('float', 'StrokeLink')
-def stroke_chain(links):
+def stroke_chain(links, room='StrokeRoom'):
     """links are (name, stroke) pairs in the order the strokes come"""
     for k, (link, stroke) in enumerate(links):
         val('float', link)
-        lesser('StrokeLink', stroke, 'StrokeRoom', 'StrokeGap')
+        lesser('StrokeLink', stroke, room, 'StrokeGap')
         if k: lesser('StrokeLink', 'StrokeLink', links[k - 1][0], 'StrokeGap')
         sinking_peak(link, 'StrokeLink', '0.07', 'StrokeGap')
 stroke_chain((('StrokesDown', 'HandsStrokeDown'), ('StrokesDownUp', 'HandsStrokeUp'), ('StrokesDownUpDown', 'HandsStrokeDown')))
@@ -322,13 +327,16 @@ stroke_chain((('StrokesDown', 'HandsStrokeDown'), ('StrokesDownUp', 'HandsStroke
 # is the slower of the two hands' opposite speeds). Boxing makes such chains
 # too, but slower, as its fists are driven forward rather than up and down,
 # so this chain counts for 0.3 arm lengths per second less than one of both
-# hands together.
+# hands together. A hand stroking down alone sinks lower than both hands
+# beating together, so the lower hand has room down to 0.85 arm lengths
+# below its shoulder (0.9 lets jogging arms through).
+stroke_room('TurnRoom', '0.85')
 val('float', 'RightUpLeftDown'); val('float', 'LeftUpRightDown'); val('float', 'HandLiftFalling')
 fn('MUL', '@HandLiftFalling', '@LeftHandLiftSteady', '-1.0'); lesser('RightUpLeftDown', 'RightHandLiftSteady', 'HandLiftFalling', 'StrokeGap')
 fn('MUL', '@HandLiftFalling', '@RightHandLiftSteady', '-1.0'); lesser('LeftUpRightDown', 'LeftHandLiftSteady', 'HandLiftFalling', 'StrokeGap')
 turns = ('RightUpLeftDown', 'LeftUpRightDown', 'RightUpLeftDown', 'LeftUpRightDown')
-stroke_chain(tuple(('TurnsFromRight%d' % k, turns[k]) for k in range(3)))
-stroke_chain(tuple(('TurnsFromLeft%d' % k, turns[k + 1]) for k in range(3)))
+stroke_chain(tuple(('TurnsFromRight%d' % k, turns[k]) for k in range(3)), 'TurnRoom')
+stroke_chain(tuple(('TurnsFromLeft%d' % k, turns[k + 1]) for k in range(3)), 'TurnRoom')
 val('float', 'StrokesSeen'); greater('StrokesSeen', 'TurnsFromRight2', 'TurnsFromLeft2', 'StrokeGap'); fn('SUB', '@StrokesSeen', '@StrokesSeen', '0.3')
 greater('StrokesSeen', 'StrokesSeen', 'StrokesDownUpDown', 'StrokeGap')
 val('float', 'StrokesLately'); sinking_peak('StrokesLately', 'StrokesSeen', '0.007', 'StrokeGap')
