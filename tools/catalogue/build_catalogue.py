@@ -286,7 +286,7 @@ follow('HandsSwinging', 'HandsSwing', 'HandsSwing', '0.1')
 # strokes pause. Raising the hands and dropping them make one or two
 # strokes, not three. StrokesLately holds the chains' highest for a second
 # or two, sinking by 0.007 a frame, and ChestStrokes is 20 times how far it
-# is past 0.7 arm lengths per second: past nothing, it stands in for the
+# is past 0.65 arm lengths per second: past nothing, it stands in for the
 # hands being up, apart and bent, and BeatHold, the time the beat is held
 # at each step, falls from 500 ms to none, as a beat in front of the chest
 # may last a second in all. ChestBeating stays above nothing while those
@@ -326,7 +326,7 @@ stroke_chain((('StrokesDown', 'HandsStrokeDown'), ('StrokesDownUp', 'HandsStroke
 # strokes down, then the other way round, then again (a stroke of the pair
 # is the slower of the two hands' opposite speeds). Boxing makes such chains
 # too, but slower, as its fists are driven forward rather than up and down,
-# so this chain counts for 0.3 arm lengths per second less than one of both
+# so this chain counts for 0.2 arm lengths per second less than one of both
 # hands together. A hand stroking down alone sinks lower than both hands
 # beating together, so the lower hand has room down to 0.85 arm lengths
 # below its shoulder (0.9 lets jogging arms through).
@@ -337,10 +337,10 @@ fn('MUL', '@HandLiftFalling', '@RightHandLiftSteady', '-1.0'); lesser('LeftUpRig
 turns = ('RightUpLeftDown', 'LeftUpRightDown', 'RightUpLeftDown', 'LeftUpRightDown')
 stroke_chain(tuple(('TurnsFromRight%d' % k, turns[k]) for k in range(3)), 'TurnRoom')
 stroke_chain(tuple(('TurnsFromLeft%d' % k, turns[k + 1]) for k in range(3)), 'TurnRoom')
-val('float', 'StrokesSeen'); greater('StrokesSeen', 'TurnsFromRight2', 'TurnsFromLeft2', 'StrokeGap'); fn('SUB', '@StrokesSeen', '@StrokesSeen', '0.3')
+val('float', 'StrokesSeen'); greater('StrokesSeen', 'TurnsFromRight2', 'TurnsFromLeft2', 'StrokeGap'); fn('SUB', '@StrokesSeen', '@StrokesSeen', '0.2')
 greater('StrokesSeen', 'StrokesSeen', 'StrokesDownUpDown', 'StrokeGap')
 val('float', 'StrokesLately'); sinking_peak('StrokesLately', 'StrokesSeen', '0.007', 'StrokeGap')
-val('float', 'ChestStrokes'); fn('SUB', '@ChestStrokes', '@StrokesLately', '0.7'); fn('MUL', '@ChestStrokes', '@ChestStrokes', '20.0')
+val('float', 'ChestStrokes'); fn('SUB', '@ChestStrokes', '@StrokesLately', '0.65'); fn('MUL', '@ChestStrokes', '@ChestStrokes', '20.0')
 val('float', 'BeatHeight'); greater('BeatHeight', 'LowerHandRise', 'ChestStrokes', 'StrokeGap')
 val('float', 'BeatApart'); greater('BeatApart', 'HandsApart', 'ChestStrokes', 'StrokeGap')
 val('float', 'BeatStraightness'); fn('MUL', '@BeatStraightness', '@ChestStrokes', '-1.0')
@@ -349,13 +349,13 @@ val('float', 'BeatHold'); fn('MUL', '@BeatHold', '@ChestStrokes', '-500.0'); fn(
 greater('BeatHold', 'BeatHold', '0.0', 'StrokeGap'); lesser('BeatHold', 'BeatHold', '500.0', 'StrokeGap')
 val('float', 'ChestBeating'); lesser('ChestBeating', 'ChestStrokes', 'StrokeRoom', 'StrokeGap')
 # BeatSettled falls below nothing once a beat is over: either the higher
-# hand has come down under the height where a beat ends (0.07 arm lengths
+# hand has come down under the height where a beat ends (0.03 arm lengths
 # below its shoulder), or the hands, still up, have stopped swinging (their
 # slowly followed swing under 0.2 arm lengths). Some people end a beat by
 # holding the hands up still for a second before they lower them, which the
 # hands' coming down alone reads too late.
 val('float', 'HandsOverBeatEnd'); val('float', 'HandsSwingOverStill'); val('float', 'BeatSettled'); val('float', 'BeatSettledGap')
-fn('ADD', '@HandsOverBeatEnd', '@LowerHandRise', '@HandsRiseGap'); fn('ADD', '@HandsOverBeatEnd', '@HandsOverBeatEnd', '0.07')
+fn('ADD', '@HandsOverBeatEnd', '@LowerHandRise', '@HandsRiseGap'); fn('ADD', '@HandsOverBeatEnd', '@HandsOverBeatEnd', '0.03')
 greater('HandsOverBeatEnd', 'HandsOverBeatEnd', 'ChestBeating', 'BeatSettledGap')
 fn('SUB', '@HandsSwingOverStill', '@HandsSwinging', '0.2')
 lesser('BeatSettled', 'HandsOverBeatEnd', 'HandsSwingOverStill', 'BeatSettledGap')
