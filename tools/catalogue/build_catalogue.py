@@ -278,7 +278,7 @@ follow('HandsSwinging', 'HandsSwing', 'HandsSwing', '0.1')
 # a squat or a duck carries the hands held forward up and down with the
 # body. A stroke of both hands is the slower of the two, counted only while
 # the hands have room to beat: the lower hand above 0.75 arm lengths below
-# its shoulder, the higher below 0.35 above its own, the hands 0.3 to 2.6
+# its shoulder, the higher below 0.35 above its own, the hands 0.3 to 2.3
 # shoulder widths apart (StrokeRoom is 20 times the least margin, at most
 # 3, so a fast drop does not stand for a slow stroke). Each link of the chain
 # holds the slower of its stroke and the link before, sinking by 0.07 a
@@ -309,7 +309,7 @@ def stroke_room(room, floor):
     val('float', room)
     fn('ADD', '@'+room, '@LowerHandRise', floor)
     fn('ADD', '@StrokeRoomLeft', '@LowerHandRise', '@HandsRiseGap'); fn('SUB', '@StrokeRoomLeft', '0.35', '@StrokeRoomLeft'); lesser(room, room, 'StrokeRoomLeft', 'StrokeGap')
-    fn('SUB', '@StrokeRoomLeft', '2.6', '@HandsGap'); lesser(room, room, 'StrokeRoomLeft', 'StrokeGap')
+    fn('SUB', '@StrokeRoomLeft', '2.3', '@HandsGap'); lesser(room, room, 'StrokeRoomLeft', 'StrokeGap')
     fn('SUB', '@StrokeRoomLeft', '@HandsGap', '0.3'); lesser(room, room, 'StrokeRoomLeft', 'StrokeGap')
     fn('MUL', '@'+room, '@'+room, '20.0'); lesser(room, room, '3.0', 'StrokeGap')
 stroke_room('StrokeRoom', '0.75')
