@@ -737,8 +737,8 @@ G('BeatBoth', 'both hands, raised to the height of the head but kept away from i
   [q('BeatRest', '>', '0.0')],
   begun('LowerHandRise', '>', '-0.5') + [q('HandsSwinging', '>', '0.25')],
   [within(1500), q('BeatHeight', '>', '0.2')],
-  beat_up + [q('SegmentTime', '>=', '@BeatHold')],
-  beat_up + [q('HandsSwinging', '>', '0.3', True), q('SegmentTime', '>=', '@BeatHold'), q('BeatApart', '>', '1.2'), q('BeatStraightness', '<', '0.9'), within(2000)],
+  beat_up + [held('@BeatHold')],
+  beat_up + [q('HandsSwinging', '>', '0.3', True), held('@BeatHold'), q('BeatApart', '>', '1.2'), q('BeatStraightness', '<', '0.9'), within(2000)],
   [within(4800), q('BeatSettled', '<', '0.0')])
 
 def attr(v): return v.replace('&', '&amp;').replace('<', '&lt;').replace('"', '&quot;')
